@@ -1,0 +1,35 @@
+# How every target of this project is compiled, said once.
+
+add_library(quorvel_flags INTERFACE)
+target_compile_options(quorvel_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wnull-dereference -Wimplicit-fallthrough)
+target_compile_definitions(quorvel_flags INTERFACE
+    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_KEYWORDS QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+if(QUORVEL_SANITIZE)
+    target_compile_options(quorvel_flags INTERFACE -fsanitize=${QUORVEL_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+    target_link_options(quorvel_flags INTERFACE -fsanitize=${QUORVEL_SANITIZE})
+endif()
+
+# quorvel_library(<folder library> SOURCES <files> LINKS <targets>)
+# One folder, one static library, one include directory: what a folder does not link it cannot include.
+function(quorvel_library name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
+    add_library(${name} STATIC ${arg_SOURCES})
+    target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+    target_link_libraries(${name} PUBLIC ${arg_LINKS} PRIVATE quorvel_flags)
+endfunction()
+
+# quorvel_test(<tst_thing> SOURCES <more files> LINKS <targets> LABELS <labels>)
+# Builds tst_thing.cpp and registers it with CTest.
+function(quorvel_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "SOURCES;LINKS;LABELS")
+    add_executable(${name} ${name}.cpp ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE Qt6::Test ${arg_LINKS} quorvel_flags)
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    add_test(NAME ${name} COMMAND ${name})
+    if(NOT arg_TIMEOUT)
+        set(arg_TIMEOUT 60)
+    endif()
+    set_tests_properties(${name} PROPERTIES
+        TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}" ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
+endfunction()
