@@ -2,7 +2,7 @@
 
 #include "Availability.h"
 
-#include <QtTypes>
+#include <QtGlobal>
 
 #include <chrono>
 #include <optional>

@@ -1,0 +1,22 @@
+#include "AppLanguage.h"
+
+using namespace Qt::StringLiterals;
+
+QString rawValue(AppLanguage language)
+{
+    return language == AppLanguage::Russian ? u"ru"_s : u"en"_s;
+}
+
+std::optional<AppLanguage> appLanguageFromRawValue(QStringView raw)
+{
+    if (raw == u"en")
+        return AppLanguage::English;
+    if (raw == u"ru")
+        return AppLanguage::Russian;
+    return std::nullopt;
+}
+
+QString shortLabel(AppLanguage language)
+{
+    return language == AppLanguage::Russian ? u"RUS"_s : u"ENG"_s;
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "QuorvelConfig.h"
+#include "RecordFiles.h"
+#include "UserProgress.h"
+
+#include <QDateTime>
+#include <QSet>
+
+/// Loads and saves the records of the data folder. Loading never fails: a file that is missing, unreadable or
+/// not decodable gives the record of a fresh start. Such a file stays as it is until the first save of its
+/// kind, and that save first keeps the old bytes aside as "<name>.unreadable-<UTC time>".
+class RecordStore
+{
+public:
+    explicit RecordStore(RecordFiles &files);
+
+    QuorvelConfig loadConfig();
+    UserProgress loadUserProgress();
+
+    /// `now` names the copy of a file that could not be decoded. A copy that cannot be made fails the save,
+    /// so that nothing is lost.
+    Result<> saveConfig(const QuorvelConfig &config, const QDateTime &now);
+    Result<> saveUserProgress(const UserProgress &progress, const QDateTime &now);
+
+private:
+    template <typename Record, typename Decode>
+    Record load(const QString &name, Decode decode, const Record &fallback);
+    Result<> save(const QString &name, const QByteArray &bytes, const QDateTime &now);
+
+    RecordFiles &m_files;
+    QSet<QString> m_notDecoded; ///< files whose present bytes must be kept before they are replaced
+};

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "QuorvelConfig.h"
+#include "Result.h"
+#include "UserProgress.h"
+
+#include <QByteArray>
+
+/// The JSON forms of the records: UTF-8, compact, keys in the order of the fields, integers exact to 64 bits.
+/// Reading passes over unknown keys and fails, with a reason for the log, on anything of the wrong type.
+
+QByteArray encodeConfig(const QuorvelConfig &config);
+
+/// A key that is absent or null takes its default, but a missing preset version reads as 0: a file from
+/// before the presets has seen none.
+Result<QuorvelConfig> decodeConfig(const QByteArray &json);
+
+/// Leaves out "lastCompletedStudyDay" where there is none.
+QByteArray encodeUserProgress(const UserProgress &progress);
+
+/// Every key but "lastCompletedStudyDay" is required.
+Result<UserProgress> decodeUserProgress(const QByteArray &json);
