@@ -1,0 +1,42 @@
+#include "BrowserInspector.h"
+
+#include <QUrl>
+
+#include <algorithm>
+#include <tuple>
+
+using namespace Qt::StringLiterals;
+
+BrowserInspector::BrowserInspector(BrowserScripting &scripting)
+    : m_scripting(scripting)
+{}
+
+const QSet<QString> &BrowserInspector::supportedBrowsers()
+{
+    static const QSet<QString> names{u"Safari"_s, u"Google Chrome"_s, u"Brave Browser"_s, u"Microsoft Edge"_s,
+                                     u"Arc"_s,    u"Chromium"_s,      u"Opera"_s};
+    return names;
+}
+
+std::vector<BrowserTab> BrowserInspector::allTabs(const QString &browser) const
+{
+    return m_scripting.allTabs(browser);
+}
+
+std::optional<QString> BrowserInspector::frontTabUrl(const QString &browser) const
+{
+    const auto url = m_scripting.frontTabUrl(browser).value_or(QString()).trimmed();
+    if (url.isEmpty() || !QUrl(url, QUrl::StrictMode).isValid())
+        return std::nullopt;
+    return url;
+}
+
+void BrowserInspector::closeTabs(std::vector<BrowserTab> tabs, const QString &browser) const
+{
+    std::erase_if(tabs, [&](const BrowserTab &tab) { return tab.appName != browser; });
+    std::stable_sort(tabs.begin(), tabs.end(), [](const BrowserTab &left, const BrowserTab &right) {
+        return std::tie(left.windowIndex, left.tabIndex) > std::tie(right.windowIndex, right.tabIndex);
+    });
+    if (!tabs.empty())
+        m_scripting.closeTabs(browser, tabs);
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Availability.h"
+#include "publishedField.h"
+
+#include <QObject>
+
+/// What this desktop lets the program do, for the interface to show. The controller keeps its own fields;
+/// these are about the means, not the session.
+class DesktopSupport : public QObject
+{
+    Q_OBJECT
+    using Self = DesktopSupport;
+
+    // clang-format off
+    QUORVEL_PUBLISHED(Availability, applications, Applications, Availability()) ///< seeing and quitting applications
+    QUORVEL_PUBLISHED(Availability, idle, Idle, Availability())                 ///< knowing the idle time
+    QUORVEL_PUBLISHED(Availability, statusItem, StatusItem, Availability())     ///< showing the status item
+    // clang-format on
+
+public:
+    using QObject::QObject;
+
+    void setApplications(const Availability &availability) { m_applications = availability; }
+    void setIdle(const Availability &availability) { m_idle = availability; }
+    void setStatusItem(const Availability &availability) { m_statusItem = availability; }
+};

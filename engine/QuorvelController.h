@@ -1,0 +1,259 @@
+#pragma once
+
+#include "AccessMode.h"
+#include "AppLanguage.h"
+#include "Preferences.h"
+#include "QuorvelConfig.h"
+#include "RecordStore.h"
+#include "StudyCard.h"
+#include "StudyTask.h"
+#include "UserProgress.h"
+#include "publishedField.h"
+
+#include <QObject>
+#include <QSet>
+#include <QStringList>
+#include <QTimer>
+
+#include <chrono>
+#include <unordered_map>
+#include <vector>
+
+class BrowserScripting;
+class Clock;
+class RunningApplications;
+class SystemIdle;
+struct RunningApplication;
+
+/// What the controller needs of the world outside. Everything lives at least as long as the controller.
+struct ControllerPorts
+{
+    Clock &clock;
+    SystemIdle &idle;
+    RunningApplications &applications;
+    BrowserScripting &browsers;
+    Preferences &preferences;
+    RecordFiles &files;
+};
+
+/// Whether a second of study counts; the reason, in the user's language, is empty exactly when it does.
+struct StudyMoment
+{
+    bool isValid = true;
+    QString reason;
+
+    bool operator==(const StudyMoment &) const = default;
+};
+
+/// The one long-lived object at the centre: it owns all live state, runs the one-second heartbeat that blocks
+/// applications and counts study time, and offers the operations that the interface calls. Interface thread
+/// only. Counters and clocks are whole seconds in signed 64 bits; an overflow ends the program.
+class QuorvelController : public QObject
+{
+    Q_OBJECT
+    using Self = QuorvelController;
+
+public:
+    /// Ready: nothing is blocked and no clock runs. Locked: blocking without a clock. Studying: blocking, and
+    /// the study clock runs while the moment is valid. BreakTime: nothing is blocked and the break clock
+    /// runs.
+    enum class Mode { Ready, Locked, Studying, BreakTime };
+    Q_ENUM(Mode)
+
+    // clang-format off
+    // Session
+    QUORVEL_PUBLISHED(Mode, mode, Mode, Mode::Ready)
+    QUORVEL_PUBLISHED(qint64, studyRemaining, StudyRemaining, 0)       ///< seconds still to count in this session
+    QUORVEL_PUBLISHED(qint64, breakRemaining, BreakRemaining, 0)       ///< seconds
+    QUORVEL_PUBLISHED(qint64, todayStudySeconds, TodayStudySeconds, 0) ///< seconds counted today
+    QUORVEL_PUBLISHED(qint64, completedSessions, CompletedSessions, 0) ///< sessions completed today
+    QUORVEL_PUBLISHED(QString, activeAppName, ActiveAppName, QString()) ///< name of the frontmost application
+    QUORVEL_PUBLISHED(qint64, idleSeconds, IdleSeconds, 0)             ///< seconds since the last user input
+    QUORVEL_PUBLISHED(QStringList, blockedRunningAppNames, BlockedRunningAppNames, QStringList()) ///< sorted; empty while blocking is off
+    QUORVEL_PUBLISHED(QString, statusMessage, StatusMessage, QString())
+    QUORVEL_PUBLISHED(QStringList, recentEvents, RecentEvents, QStringList()) ///< newest first, at most 8 lines, English
+
+    // Cards, tasks, progress
+    QUORVEL_PUBLISHED(qint64, studyTasksRevision, StudyTasksRevision, 0) ///< grows with every change of studyTasks()
+    QUORVEL_PUBLISHED(qint64, studyCardsRevision, StudyCardsRevision, 0) ///< grows with every change of studyCards()
+    QUORVEL_PUBLISHED(qint64, topicCardCount, TopicCardCount, 0)         ///< cards that match the current topic
+    QUORVEL_PUBLISHED(qint64, currentSessionCardProofCount, CurrentSessionCardProofCount, 0) ///< distinct cards proven in this session
+    QUORVEL_PUBLISHED(QString, quizFeedback, QuizFeedback, QString())
+    QUORVEL_PUBLISHED(QString, aiOutputText, AiOutputText, QString())
+    QUORVEL_PUBLISHED(bool, isAICoachRunning, IsAICoachRunning, false)
+
+    // Drafts of input fields
+    QUORVEL_DRAFT(newStudyTaskText, NewStudyTaskText)
+    QUORVEL_DRAFT(currentStudyTopicText, CurrentStudyTopicText)
+    QUORVEL_DRAFT(newCardTopicText, NewCardTopicText)
+    QUORVEL_DRAFT(newCardPromptText, NewCardPromptText)
+    QUORVEL_DRAFT(newCardAnswerText, NewCardAnswerText)
+    QUORVEL_DRAFT(quizAnswerText, QuizAnswerText)
+    QUORVEL_DRAFT(aiPromptText, AiPromptText)
+    QUORVEL_DRAFT(studyMinutesText, StudyMinutesText)
+    QUORVEL_DRAFT(breakMinutesText, BreakMinutesText)
+    QUORVEL_DRAFT(maxIdleSecondsText, MaxIdleSecondsText)
+    QUORVEL_DRAFT(requiredProofsText, RequiredProofsText)
+    QUORVEL_DRAFT(blockedAppsText, BlockedAppsText)
+    QUORVEL_DRAFT(blockedDomainsText, BlockedDomainsText)
+    QUORVEL_DRAFT(allowedStudyDomainsText, AllowedStudyDomainsText)
+    QUORVEL_DRAFT(allowedStudyAppsText, AllowedStudyAppsText)
+    QUORVEL_DRAFT(authEmailText, AuthEmailText)
+    QUORVEL_DRAFT(authCodeText, AuthCodeText)
+
+    // Language and account
+    QUORVEL_PUBLISHED(AppLanguage, language, Language, AppLanguage::English)
+    QUORVEL_PUBLISHED(bool, proModeEnabled, ProModeEnabled, false)
+    QUORVEL_PUBLISHED(AccessMode, accessMode, AccessMode, AccessMode::None)
+    QUORVEL_PUBLISHED(QString, authStatusText, AuthStatusText, QString())
+
+    // Derived flags and texts, in the interface language
+    QUORVEL_PUBLISHED(bool, isBlockingActive, IsBlockingActive, false)
+    QUORVEL_PUBLISHED(bool, canStartStudy, CanStartStudy, false)
+    QUORVEL_PUBLISHED(QString, startReadinessText, StartReadinessText, QString())
+    QUORVEL_PUBLISHED(QString, studyStartMessage, StudyStartMessage, QString())
+    QUORVEL_PUBLISHED(QString, proofWaitMessage, ProofWaitMessage, QString())
+    QUORVEL_PUBLISHED(QString, proofProgressText, ProofProgressText, QString())
+    QUORVEL_PUBLISHED(QString, proofPolicyText, ProofPolicyText, QString())
+    QUORVEL_PUBLISHED(QString, primaryTimerTitle, PrimaryTimerTitle, QString())
+    QUORVEL_PUBLISHED(QString, primaryTimerText, PrimaryTimerText, QString())
+    QUORVEL_PUBLISHED(double, sessionProgress, SessionProgress, 0.0) ///< part that is over, 0 to 1
+    QUORVEL_PUBLISHED(QString, focusSubtitle, FocusSubtitle, QString())
+    QUORVEL_PUBLISHED(QString, blockedAppSummaryText, BlockedAppSummaryText, QString())
+    QUORVEL_PUBLISHED(QString, progressSummaryText, ProgressSummaryText, QString())
+    QUORVEL_PUBLISHED(QString, modeText, ModeText, QString()) ///< display word of the mode
+    QUORVEL_PUBLISHED(QString, levelText, LevelText, QString())
+    QUORVEL_PUBLISHED(QString, xpText, XpText, QString())
+    QUORVEL_PUBLISHED(QString, characterTitleText, CharacterTitleText, QString())
+    QUORVEL_PUBLISHED(QString, avatarSymbol, AvatarSymbol, QString()) ///< name of the avatar's icon
+    QUORVEL_PUBLISHED(QString, streakText, StreakText, QString())
+    // clang-format on
+
+    // Optional values reach the interface as a value (empty where there is none) and a flag
+    Q_PROPERTY(QString signedInEmail READ signedInEmailText NOTIFY signedInEmailChanged)
+    Q_PROPERTY(bool hasSignedInEmail READ hasSignedInEmail NOTIFY signedInEmailChanged)
+    Q_PROPERTY(QString quizRevealedAnswer READ quizRevealedAnswerText NOTIFY quizRevealedAnswerChanged)
+    Q_PROPERTY(bool hasQuizRevealedAnswer READ hasQuizRevealedAnswer NOTIFY quizRevealedAnswerChanged)
+    Q_PROPERTY(bool hasActiveStudyCard READ hasActiveStudyCard NOTIFY activeStudyCardChanged)
+
+public:
+    /// Loads everything that is stored, migrates the blocklists where they are older than the built-in ones
+    /// (which may save), and starts the heartbeat.
+    explicit QuorvelController(const ControllerPorts &ports, QObject *parent = nullptr);
+    ~QuorvelController() override;
+
+    const QuorvelConfig &config() const { return m_config.value(); }
+    const UserProgress &userProgress() const { return m_userProgress.value(); }
+    const std::vector<StudyCard> &studyCards() const { return m_studyCards; }
+    const std::vector<StudyTask> &studyTasks() const { return m_studyTasks; }
+    const std::optional<StudyCard> &activeStudyCard() const { return m_activeStudyCard.value(); }
+    const std::optional<QString> &signedInEmail() const { return m_signedInEmail.value(); }
+    const std::optional<QString> &quizRevealedAnswer() const { return m_quizRevealedAnswer.value(); }
+
+    QString signedInEmailText() const { return signedInEmail().value_or(QString()); }
+    bool hasSignedInEmail() const { return signedInEmail().has_value(); }
+    QString quizRevealedAnswerText() const { return quizRevealedAnswer().value_or(QString()); }
+    bool hasQuizRevealedAnswer() const { return quizRevealedAnswer().has_value(); }
+    bool hasActiveStudyCard() const { return activeStudyCard().has_value(); }
+
+    // Session commands (session.cpp)
+    Q_INVOKABLE void startStudy();
+    Q_INVOKABLE void lockNow();
+    Q_INVOKABLE void stopQuorvel();
+    /// Begins a break of `minutes`, at least one, from any mode; a running session is given up.
+    Q_INVOKABLE void unlockManualBreak(qint64 minutes);
+
+    // Settings (settings.cpp)
+    Q_INVOKABLE void mergeDefaultBlocklists();
+    Q_INVOKABLE void setProModeEnabled(bool enabled);
+
+    // Language and account (language.cpp, account.cpp)
+    Q_INVOKABLE void setLanguage(AppLanguage language);
+    Q_INVOKABLE void continueAsGuest();
+    Q_INVOKABLE void signOut();
+    static AppLanguage loadLanguage(const Preferences &preferences);
+    static AccessMode loadAccessMode(const Preferences &preferences);
+
+    /// One heartbeat: looks at the desktop, enforces blocking where it is on, and moves the clock of the
+    /// mode.
+    void tick();
+
+    /// Puts the local time, a blank and `message` at the front of recentEvents.
+    void addEvent(const QString &message);
+
+    // Study moment (studyMoment.cpp)
+    StudyMoment validateStudyMoment() const;
+    bool isAllowedStudyApp(const QString &name) const;
+    /// `url` as the browser wrote it; one without a host is never allowed.
+    bool isAllowedStudyUrl(const QString &url) const;
+
+    // Application blocking (applicationBlocking.cpp)
+    std::vector<RunningApplication> findBlockedRunningApps();
+    QString displayName(const RunningApplication &application) const;
+
+    // Progression (progression.cpp)
+    /// Adds XP, logs it and saves the progress; below 1 does nothing. `reason` is an English sentence.
+    void awardXP(qint64 amount, const QString &reason);
+    void markCompletedStudyDay();
+
+Q_SIGNALS:
+    void signedInEmailChanged();
+    void quizRevealedAnswerChanged();
+    void activeStudyCardChanged();
+    void userProgressChanged();
+
+private:
+    void bindDerivedFields();
+    void bindProgressFields();
+    void loadStoredState();
+
+    void updateStudyTimer();
+    void updateBreakTimer();
+    void countStudySecond();
+    void tryUnlockBreakIfReady();
+    void completeStudySession();
+    void abandonSession();
+    void forgetSession();
+
+    StudyMoment validateStudySite() const;
+    QStringList sortedDisplayNames(const std::vector<RunningApplication> &applications) const;
+    void enforceAppBlocks(const std::vector<RunningApplication> &applications);
+    void checkBrowsersIfNeeded();
+    void closeBlockedTabs();
+
+    void refreshDayIfNeeded();
+    void loadTodayStats();
+    void saveTodayStats(Durability durability);
+
+    void migrateBlocklistsIfNeeded();
+    void syncDraftsFromConfig();
+    void saveConfig();
+    void saveUserProgress();
+
+    void refreshLocalizedRuntimeText();
+    void enterWithoutAccount(AccessMode mode, const QString &status);
+    QString text(QStringView key) const;
+    QString inBoth(const QString &english, const QString &russian) const;
+
+    ControllerPorts m_ports;
+    RecordStore m_records;
+    QTimer m_timer; ///< the heartbeat
+
+    Q_OBJECT_BINDABLE_PROPERTY(Self, QuorvelConfig, m_config)
+    Q_OBJECT_BINDABLE_PROPERTY(Self, UserProgress, m_userProgress, &Self::userProgressChanged)
+    Q_OBJECT_BINDABLE_PROPERTY(Self, std::optional<StudyCard>, m_activeStudyCard,
+                               &Self::activeStudyCardChanged)
+    Q_OBJECT_BINDABLE_PROPERTY(Self, std::optional<QString>, m_quizRevealedAnswer,
+                               &Self::quizRevealedAnswerChanged)
+    Q_OBJECT_BINDABLE_PROPERTY(Self, std::optional<QString>, m_signedInEmail, &Self::signedInEmailChanged)
+    std::vector<StudyCard> m_studyCards; ///< newest first
+    std::vector<StudyTask> m_studyTasks; ///< newest first
+
+    QString m_currentDayKey; ///< the day that today's counters belong to
+    std::unordered_map<qint32, std::chrono::nanoseconds>
+        m_terminateFirstSeenByPID;           ///< when each was last asked
+    int m_browserTick = 0;                   ///< heartbeats since the last look at the tabs, 0 to 4
+    std::optional<QUuid> m_currentSessionID; ///< there exactly while a session runs
+    QSet<QUuid> m_currentSessionProofCardIDs;
+    qint64 m_focusSecondsSinceXPAward = 0; ///< counted seconds not yet turned into XP, 0 to 59
+};

@@ -1,0 +1,41 @@
+// Switching the interface language.
+#include "QuorvelController.h"
+#include "preferenceKeys.h"
+
+using namespace Qt::StringLiterals;
+
+AppLanguage QuorvelController::loadLanguage(const Preferences &preferences)
+{
+    const auto stored = preferences.get<QString>(PreferenceKeys::language()).value_or(QString());
+    return appLanguageFromRawValue(stored).value_or(AppLanguage::English);
+}
+
+void QuorvelController::setLanguage(AppLanguage language)
+{
+    m_language = language;
+    m_ports.preferences.setValue(PreferenceKeys::language(), rawValue(language), Durability::AtOnce);
+    refreshLocalizedRuntimeText();
+}
+
+void QuorvelController::refreshLocalizedRuntimeText()
+{
+    if (m_activeAppName.value() == u"Unknown" || m_activeAppName.value() == u"Неизвестно")
+        m_activeAppName = text(u"unknown");
+    switch (m_mode) {
+    case Mode::Ready:
+        m_statusMessage = text(u"ready_status");
+        break;
+    case Mode::Locked:
+        m_statusMessage = text(u"locked_status");
+        break;
+    case Mode::Studying:
+        m_statusMessage = m_studyStartMessage.value();
+        break;
+    case Mode::BreakTime:
+        m_statusMessage = text(u"manual_break_status");
+        break;
+    }
+    m_quizFeedback = text(u"quiz_initial");
+    if (!m_isAICoachRunning)
+        m_aiOutputText = text(u"ai_initial");
+}
