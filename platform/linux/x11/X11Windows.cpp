@@ -203,7 +203,7 @@ void X11Windows::readManager()
     m_manager = alive ? named : 0;
     m_managerProcess = 0;
     const uint32_t onRoot =
-        XCB_EVENT_MASK_PROPERTY_CHANGE | (alive ? 0u : XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+        XCB_EVENT_MASK_PROPERTY_CHANGE | (alive ? 0u : uint32_t(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY));
     xcb_change_window_attributes(m_connection->handle(), m_connection->root(), XCB_CW_EVENT_MASK, &onRoot);
     m_listStale = m_activeStale = true;
     if (!alive)
