@@ -6,7 +6,8 @@ QDateTime SystemClock::now() const
 {
     // The C library looks again at /etc/localtime here only; all else goes by the zone it read first.
     ::tzset();
-    return QDateTime::currentDateTime();
+    const QDateTime local = QDateTime::currentDateTime();
+    return local.toOffsetFromUtc(local.offsetFromUtc());
 }
 
 std::chrono::nanoseconds SystemClock::elapsed() const
