@@ -4,7 +4,8 @@
 
 QDateTime SystemClock::now() const
 {
-    // The C library looks again at /etc/localtime here only; all else goes by the zone it read first.
+    // Only here, by its own promise, does the C library look at /etc/localtime again. Qt 6.4 happens to ask
+    // it in a way that does so too.
     ::tzset();
     const QDateTime local = QDateTime::currentDateTime();
     return local.toOffsetFromUtc(local.offsetFromUtc());
