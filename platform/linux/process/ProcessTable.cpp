@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-Q_LOGGING_CATEGORY(logProcess, "quorvel.platform.process")
+Q_LOGGING_CATEGORY(logProcess, "quorvel.platform.process", QtInfoMsg)
 
 constexpr auto youngFor = 10s;
 constexpr auto lookEvery = 10s;
