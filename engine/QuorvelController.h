@@ -235,6 +235,8 @@ private:
     QString text(QStringView key) const;
     QString inBoth(const QString &english, const QString &russian) const;
 
+    friend struct ControllerState; // tests set up states that take an hour of study to reach
+
     ControllerPorts m_ports;
     RecordStore m_records;
     QTimer m_timer; ///< the heartbeat
