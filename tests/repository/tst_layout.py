@@ -14,7 +14,7 @@ COMMANDS = ["run", "test", "demo", "bench", ".ci/run"]
 
 # Folders of one person's or one machine's own; written in pieces so that this file does not contain them.
 MACHINE_PATH = re.compile(
-    "(?<![A-Za-z0-9_.${}-])/" + "(home/(?!(student|user)\\b)[a-z]|Users/|root/|work/|mnt/|media/|var/tmp/|private/)"
+    "(?<![A-Za-z0-9_.${}-])/" + "(home/(?!(student|user|me)\\b)[a-z]|Users/|root/|workspace/|mnt/|media/|var/tmp/|private/)"
     + "|[A-Z]:\\\\\\\\?Users")
 
 
@@ -69,9 +69,9 @@ class Files(unittest.TestCase):
         self.assertEqual([], found)
 
     def test_machine_paths_are_recognised(self):
-        for path in ["/" + "home/anna/quorvel", "/" + "Users/anna", "C:" + "\\Users\\anna", '"/' + 'work/quorvel"']:
+        for path in ["/" + "home/anna/quorvel", "/" + "Users/anna", "C:" + "\\Users\\anna", '"/' + 'mnt/disk/quorvel"']:
             self.assertTrue(MACHINE_PATH.search(path), path)
-        for path in ["/usr/bin/env", "/" + "home/student/.local", "https://example.org/" + "home/anna", "$HOME/" + "work/x"]:
+        for path in ["/usr/bin/env", "/" + "home/student/.local", "https://example.org/" + "home/anna", "$HOME/" + "mnt/x"]:
             self.assertFalse(MACHINE_PATH.search(path), path)
 
 
