@@ -429,6 +429,9 @@ private Q_SLOTS:
         QTest::newRow("United States") << QLocale(QLocale::English, QLocale::UnitedStates) << u"3:45:12 PM"_s;
         QTest::newRow("Russia") << QLocale(QLocale::Russian, QLocale::Russia) << u"15:45:12"_s;
         QTest::newRow("Germany") << QLocale(QLocale::German, QLocale::Germany) << u"15:45:12"_s;
+        QTest::newRow("Spain") << QLocale(QLocale::Spanish, QLocale::Spain) << u"15:45:12"_s;
+        QTest::newRow("Denmark") << QLocale(QLocale::Danish, QLocale::Denmark) << u"15.45.12"_s;
+        QTest::newRow("Nigeria") << QLocale(QLocale::Yoruba, QLocale::Nigeria) << u"15:45:12"_s;
         QTest::newRow("C") << QLocale::c() << u"15:45:12"_s;
     }
     void eventTimeFollowsTheLocale()
