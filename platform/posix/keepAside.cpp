@@ -1,0 +1,94 @@
+#include "keepAside.h"
+
+#include "FileCalls.h"
+#include "fileSteps.h"
+
+#include <QLoggingCategory>
+
+#include <cerrno>
+#include <fcntl.h>
+
+namespace {
+
+Q_LOGGING_CATEGORY(logFiles, "quorvel.platform.posix")
+
+bool linksAreRefused(int error)
+{
+    // EPERM stands for file systems without links and for files of somebody else, EMLINK for one link too
+    // many.
+    return error == EPERM || error == EXDEV || error == EMLINK || error == ENOSYS || error == EOPNOTSUPP;
+}
+
+Result<> copyToNewFile(FileCalls &calls, const QByteArray &from, const QByteArray &to, int &openError)
+{
+    const Result<std::optional<QByteArray>> bytes = FileSteps::read(calls, from);
+    if (!bytes)
+        return bytes.failure();
+    if (!bytes.value())
+        return FileSteps::failure(ENOENT);
+    int file = -1;
+    openError = FileSteps::open(calls, to, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, file);
+    if (openError)
+        return FileSteps::failure(openError);
+
+    int error = FileSteps::writeAll(calls, file, *bytes.value());
+    if (!error)
+        error = FileSteps::sync(calls, file);
+    if (calls.close(file) < 0 && errno != EINTR && !error)
+        error = errno;
+    if (error) {
+        calls.unlink(to.constData());
+        return FileSteps::failure(error);
+    }
+    return Done{};
+}
+
+/// Bytes that an editor wrote a moment ago may not be on the disk yet. A file that cannot be opened cannot be
+/// synced; its second name is worth having all the same.
+void syncBytes(FileCalls &calls, const QByteArray &path)
+{
+    int file = -1;
+    int error = FileSteps::open(calls, path, O_RDONLY | O_NONBLOCK, file);
+    if (!error) {
+        error = FileSteps::sync(calls, file);
+        calls.close(file);
+    }
+    if (error)
+        qCInfo(logFiles) << "could not sync a file before keeping it aside:"
+                         << FileSteps::failure(error).reason;
+}
+
+} // namespace
+
+Result<QByteArray> keepAside(FileCalls &calls, const QByteArray &path, const QByteArray &aside)
+{
+    QByteArray source = path; // link(2) would make a second name of the symbolic link, not of its file
+    if (const int error = FileSteps::followLinks(calls, source))
+        return FileSteps::failure(error);
+
+    constexpr int mostNames = 1000;
+    for (int number = 1; number <= mostNames; ++number) {
+        const QByteArray kept = number == 1 ? aside : aside + '-' + QByteArray::number(number);
+        const int linkError = calls.link(source.constData(), kept.constData()) < 0 ? errno : 0;
+        if (linkError == EEXIST)
+            continue;
+        if (linkError && !linksAreRefused(linkError))
+            return FileSteps::failure(linkError);
+        if (linkError) {
+            int openError = 0;
+            const Result<> copied = copyToNewFile(calls, source, kept, openError);
+            if (openError == EEXIST)
+                continue;
+            if (!copied)
+                return copied.failure();
+        } else {
+            syncBytes(calls, source);
+        }
+        if (const int error = FileSteps::syncFolder(calls, FileSteps::folderOf(kept))) {
+            calls.unlink(kept.constData());
+            return FileSteps::failure(error);
+        }
+        return kept;
+    }
+    return FileSteps::failure(EEXIST);
+}
