@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Fails where clang-tidy finds one of the mistakes that .clang-tidy names. A file that was clean before is looked at
-# again only when it, any header or the settings changed, so a second run costs nothing.
+# again only when it, any header or the settings changed, so a second run costs nothing. The tests are left out: they
+# would double the time, and moc's output, which they include, keeps other names.
 set -euo pipefail
 # shellcheck source=scripts/common.sh
 source "$(dirname "$0")/common.sh"
@@ -25,7 +26,7 @@ check() {
 export -f check
 export stamps common
 
-mapfile -t files < <(source_files cpp)
+mapfile -t files < <(source_files cpp | grep -v '^tests/')
 # shellcheck disable=SC2016
 printf '%s\0' "${files[@]}" | xargs -0 -n 1 -P "$(nproc)" bash -c 'check "$1"' check
 say "${#files[@]} files"
