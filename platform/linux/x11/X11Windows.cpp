@@ -28,9 +28,16 @@ QByteArray thisHost()
     return name;
 }
 
+/// The part before the first `end`, or all.
+QByteArray upTo(const QByteArray &text, char end)
+{
+    const auto at = text.indexOf(end);
+    return at < 0 ? text : text.first(at);
+}
+
 bool isThisHost(const QByteArray &machine, const QByteArray &host)
 {
-    const auto shortName = [](const QByteArray &name) { return name.left(name.indexOf('.')).toLower(); };
+    const auto shortName = [](const QByteArray &name) { return upTo(name, '.').toLower(); };
     return machine.isEmpty() || machine == "localhost" || shortName(machine) == shortName(host);
 }
 
@@ -109,6 +116,7 @@ std::vector<WindowFacts> X11Windows::windows() const
 
 std::optional<WindowFacts> X11Windows::active() const
 {
+    // Openbox goes on naming a window that has hidden itself, until another one gets the focus.
     const auto found = m_windows.find(m_active);
     return found == m_windows.end() || !found->second.ordinary ? std::nullopt
                                                                : std::optional(found->second.facts);
@@ -222,7 +230,6 @@ void X11Windows::readList()
     std::erase_if(m_windows, [this](const auto &window) {
         return std::find(m_list.begin(), m_list.end(), window.first) == m_list.end();
     });
-    m_activeStale = m_activeStale || !m_windows.contains(m_active);
     std::vector<xcb_window_t> unknown;
     std::copy_if(m_list.begin(), m_list.end(), std::back_inserter(unknown),
                  [this](auto window) { return !m_windows.contains(window); });
@@ -235,10 +242,8 @@ void X11Windows::readActive()
     if (m_manager == 0)
         return;
     const auto &atoms = m_connection->atoms();
-    m_active = firstOf<xcb_window_t>(
-        property(askProperty(m_connection->root(), atoms.activeWindow, XCB_ATOM_WINDOW)));
-    if (m_active != 0 && !m_windows.contains(m_active))
-        readWindows({m_active}); // the list that has it is still on its way
+    const auto asked = askProperty(m_connection->root(), atoms.activeWindow, XCB_ATOM_WINDOW);
+    m_active = firstOf<xcb_window_t>(property(asked));
 }
 
 std::vector<xcb_window_t> X11Windows::managedWindows()
@@ -336,10 +341,10 @@ std::optional<X11Windows::Window> X11Windows::answersAbout(const Questions &ques
         return std::nullopt; // gone already
     window.facts.instance = decoded(classes.value(0));
     window.facts.className = decoded(classes.value(1));
-    window.facts.processId = localProcess(client, claimed, machine.left(machine.indexOf('\0')));
+    window.facts.processId = localProcess(client, claimed, upTo(machine, '\0'));
     if (desktopFile.isEmpty())
         desktopFile = kdeFile;
-    window.facts.applicationId = decoded(desktopFile.left(desktopFile.indexOf('\0')));
+    window.facts.applicationId = decoded(upTo(desktopFile, '\0'));
     if (window.facts.applicationId.endsWith(".desktop"_L1))
         window.facts.applicationId.chop(8);
     window.closable = std::find(protocols.begin(), protocols.end(), atoms.wmDeleteWindow) != protocols.end();

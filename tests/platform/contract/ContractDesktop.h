@@ -3,8 +3,8 @@
 #include "RunningApplications.h"
 #include "SystemIdle.h"
 
-/// A desktop on which a contract test starts and ends applications: a fake one or a real one. Each call returns
-/// when the desktop shows its effect, or soon before.
+/// A desktop on which a contract test starts and ends applications: a fake one or a real one. Each call
+/// returns when the desktop shows its effect, or soon before.
 class ContractDesktop
 {
 public:

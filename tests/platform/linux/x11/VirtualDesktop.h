@@ -9,7 +9,6 @@
 
 #include <map>
 #include <memory>
-
 #include <sys/wait.h>
 
 /// An X server of the test's own, with or without a window manager, and decoys on it. Everything it started
@@ -27,9 +26,9 @@ public:
         QDir(path()).mkpath(QStringLiteral("home"));
         QDir(path()).mkpath(QStringLiteral("data/applications"));
         m_server = launch(QStringLiteral("Xvfb"),
-                          {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"), QStringLiteral("0"),
-                           QStringLiteral("800x600x24"), QStringLiteral("-ac"), QStringLiteral("-nolisten"),
-                           QStringLiteral("tcp")});
+                          {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
+                           QStringLiteral("0"), QStringLiteral("800x600x24"), QStringLiteral("-ac"),
+                           QStringLiteral("-nolisten"), QStringLiteral("tcp")});
         m_display = u':' + QString::fromLatin1(firstLine(*m_server));
         m_environment.insert(QStringLiteral("DISPLAY"), m_display);
         if (manager == Manager::Openbox)
@@ -48,7 +47,13 @@ public:
     QString display() const { return m_display; }
     QProcess &server() { return *m_server; }
     QProcess &manager() { return *m_manager; }
-    void startManager() { m_manager = launch(QStringLiteral("openbox"), {}); }
+    /// Returns when it manages windows: one that was there before gets no focus.
+    void startManager()
+    {
+        m_manager =
+            launch(QStringLiteral("openbox"), {QStringLiteral("--startup"), QStringLiteral("echo managing")});
+        firstLine(*m_manager);
+    }
 
     QString path(const QString &below = {}) const
     {
@@ -80,7 +85,10 @@ public:
         m_programs[id] = std::move(process);
         return id;
     }
-    bool runs(qint32 id) { return !m_programs.at(id)->waitForFinished(0) && m_programs.at(id)->state() != QProcess::NotRunning; }
+    bool runs(qint32 id)
+    {
+        return !m_programs.at(id)->waitForFinished(0) && m_programs.at(id)->state() != QProcess::NotRunning;
+    }
     void end(qint32 id)
     {
         stop(*m_programs.at(id));
