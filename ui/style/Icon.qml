@@ -1,0 +1,20 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Quorvel.Ui
+
+/// One of the drawn icons, in any colour.
+Image {
+    id: icon
+
+    required property string name
+    property int size: 16
+    property color color: AppTheme.textPrimary
+
+    width: size
+    height: size
+    sourceSize: Qt.size(size, size)
+    source: name ? "image://icons/" + name + "/" + color.toString().substring(1) : ""
+
+    Accessible.ignored: true
+}
