@@ -15,6 +15,7 @@ class DesktopSupport : public QObject
     // clang-format off
     QUORVEL_PUBLISHED(Availability, applications, Applications, Availability()) ///< seeing and quitting applications
     QUORVEL_PUBLISHED(Availability, idle, Idle, Availability())                 ///< knowing the idle time
+    QUORVEL_PUBLISHED(Availability, browsers, Browsers, Availability())         ///< seeing and closing tabs
     QUORVEL_PUBLISHED(Availability, statusItem, StatusItem, Availability())     ///< showing the status item
     // clang-format on
 
@@ -23,5 +24,6 @@ public:
 
     void setApplications(const Availability &availability) { m_applications = availability; }
     void setIdle(const Availability &availability) { m_idle = availability; }
+    void setBrowsers(const Availability &availability) { m_browsers = availability; }
     void setStatusItem(const Availability &availability) { m_statusItem = availability; }
 };

@@ -1,0 +1,116 @@
+#include "SingleInstance.h"
+
+#include "handOver.h"
+
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QLocalSocket>
+#include <QLoggingCategory>
+#include <QTimer>
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+Q_LOGGING_CATEGORY(lcInstance, "quorvel.app.instance")
+
+namespace {
+
+/// How often a later start looks again while the first one is still starting or already ending.
+constexpr auto retryPause = 30ms;
+
+/// A caller that says nothing for so long is dropped.
+constexpr auto silence = 3s;
+
+/// Callers served at a time.
+constexpr int mostCallers = 16;
+
+} // namespace
+
+SingleInstance::SingleInstance(const QByteArray &folder, QObject *parent)
+    : QObject(parent)
+    , m_lockPath(folder + "/lock")
+    , m_socketPath(folder + "/socket")
+{
+    m_server.setSocketOptions(QLocalServer::UserAccessOption);
+    m_server.setMaxPendingConnections(mostCallers);
+    connect(&m_server, &QLocalServer::newConnection, this, [this] {
+        while (auto *socket = m_server.nextPendingConnection())
+            receive(socket);
+    });
+}
+
+SingleInstance::~SingleInstance()
+{
+    // The socket goes before the lock: whoever gets the lock finds no socket of ours.
+    m_server.close();
+    if (m_lock >= 0)
+        ::close(m_lock);
+}
+
+Result<SingleInstance::Role> SingleInstance::claim(const QStringList &arguments)
+{
+    m_lock = ::open(m_lockPath.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+    if (m_lock < 0)
+        return Failure{u"Cannot open \"%1\": %2"_s.arg(QFile::decodeName(m_lockPath),
+                                                       QString::fromLocal8Bit(strerror(errno)))};
+    const QDeadlineTimer deadline(patience);
+    do {
+        if (flock(m_lock, LOCK_EX | LOCK_NB) == 0)
+            return Role::First;
+        if (errno != EWOULDBLOCK && errno != EINTR)
+            return Failure{u"Cannot lock \"%1\": %2"_s.arg(QFile::decodeName(m_lockPath),
+                                                           QString::fromLocal8Bit(strerror(errno)))};
+        if (handOver(m_socketPath, arguments, std::chrono::milliseconds(deadline.remainingTime())))
+            return Role::HandedOver;
+        std::this_thread::sleep_for(retryPause);
+    } while (!deadline.hasExpired());
+    return Failure{u"Quorvel is already running, but it does not answer."_s};
+}
+
+Result<> SingleInstance::listen()
+{
+    const auto path = QFile::decodeName(m_socketPath);
+    QLocalServer::removeServer(path); // we hold the lock, so it is a dead program's
+    if (!m_server.listen(path))
+        return Failure{u"Cannot listen at \"%1\": %2"_s.arg(path, m_server.errorString())};
+    return Done{};
+}
+
+void SingleInstance::receive(QLocalSocket *socket)
+{
+    connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+    const auto user = peerUser(int(socket->socketDescriptor()));
+    if (user != geteuid()) {
+        qCWarning(lcInstance) << "a start of another user was turned away";
+        socket->abort();
+        return;
+    }
+    socket->setReadBufferSize(longestHandOver + 8);
+    QTimer::singleShot(silence, socket, &QLocalSocket::abort);
+    connect(socket, &QLocalSocket::readyRead, this, [this, socket] { takeBytes(socket); });
+    takeBytes(socket);
+}
+
+void SingleInstance::takeBytes(QLocalSocket *socket)
+{
+    // Bytes stay in the socket's bounded buffer until the message is whole.
+    const auto read = readHandOver(socket->peek(longestHandOver + 8));
+    if (read.state == ReadHandOver::State::Incomplete)
+        return;
+    disconnect(socket, &QLocalSocket::readyRead, this, nullptr);
+    if (read.state == ReadHandOver::State::Broken) {
+        qCWarning(lcInstance) << "a start gave a message that makes no sense";
+        socket->abort();
+        return;
+    }
+    Q_EMIT startedAgain(read.arguments);
+    socket->write(&handOverConfirmation, 1);
+    socket->disconnectFromServer(); // once the byte is written
+}

@@ -1,0 +1,133 @@
+#include "handOver.h"
+
+#include <QDeadlineTimer>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QtEndian>
+
+#include <cerrno>
+#include <cstring>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr qsizetype lengthBytes = 4;
+
+class Socket
+{
+public:
+    Socket()
+        : m_number(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0))
+    {}
+    ~Socket()
+    {
+        if (m_number >= 0)
+            ::close(m_number);
+    }
+    Q_DISABLE_COPY_MOVE(Socket)
+
+    int number() const { return m_number; }
+
+private:
+    int m_number;
+};
+
+bool connectTo(int socket, const QByteArray &path)
+{
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= qsizetype(sizeof address.sun_path))
+        return false;
+    memcpy(address.sun_path, path.constData(), size_t(path.size()));
+    return connect(socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0;
+}
+
+bool waitFor(int socket, short events, const QDeadlineTimer &deadline)
+{
+    pollfd poll{socket, events, 0};
+    int ready = 0;
+    do {
+        ready = ::poll(&poll, 1, int(deadline.remainingTime()));
+    } while (ready < 0 && errno == EINTR && !deadline.hasExpired());
+    return ready > 0;
+}
+
+bool sendAll(int socket, const QByteArray &bytes, const QDeadlineTimer &deadline)
+{
+    qsizetype sent = 0;
+    while (sent < bytes.size()) {
+        const auto step = send(socket, bytes.constData() + sent, size_t(bytes.size() - sent), MSG_NOSIGNAL);
+        if (step > 0)
+            sent += step;
+        else if (errno != EAGAIN && errno != EINTR)
+            return false;
+        else if (!waitFor(socket, POLLOUT, deadline))
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+std::optional<QByteArray> writeHandOver(const QStringList &arguments)
+{
+    const auto text =
+        QJsonDocument(QJsonArray::fromStringList(arguments)).toJson(QJsonDocument::Compact);
+    if (text.size() > longestHandOver)
+        return std::nullopt;
+    QByteArray message(lengthBytes, Qt::Uninitialized);
+    qToBigEndian(quint32(text.size()), message.data());
+    return message + text;
+}
+
+ReadHandOver readHandOver(const QByteArray &bytes)
+{
+    using State = ReadHandOver::State;
+    if (bytes.size() < lengthBytes)
+        return {};
+    const auto length = qint64(qFromBigEndian<quint32>(bytes.constData()));
+    if (length > longestHandOver || bytes.size() > lengthBytes + length)
+        return {State::Broken, {}};
+    if (bytes.size() < lengthBytes + length)
+        return {};
+    const auto document = QJsonDocument::fromJson(bytes.mid(lengthBytes));
+    if (!document.isArray())
+        return {State::Broken, {}};
+    ReadHandOver read{State::Complete, {}};
+    const auto entries = document.array();
+    for (const auto &entry : entries) {
+        if (!entry.isString())
+            return {State::Broken, {}};
+        read.arguments.append(entry.toString());
+    }
+    return read;
+}
+
+std::optional<unsigned int> peerUser(int socket)
+{
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    if (getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0 || size != sizeof peer)
+        return std::nullopt;
+    return peer.uid;
+}
+
+bool handOver(const QByteArray &path, const QStringList &arguments, std::chrono::milliseconds patience)
+{
+    const QDeadlineTimer deadline(patience);
+    const auto message = writeHandOver(arguments);
+    const Socket socket;
+    if (!message || socket.number() < 0 || !connectTo(socket.number(), path))
+        return false;
+    if (peerUser(socket.number()) != geteuid())
+        return false;
+    if (!sendAll(socket.number(), *message, deadline) || !waitFor(socket.number(), POLLIN, deadline))
+        return false;
+    char answer = 0;
+    return recv(socket.number(), &answer, 1, 0) == 1 && answer == handOverConfirmation;
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "BrowserScripting.h"
+#include "Clock.h"
+#include "Preferences.h"
+#include "QuorvelController.h"
+#include "RecordFiles.h"
+#include "RunningApplications.h"
+#include "SystemIdle.h"
+
+#include <memory>
+
+/// The adapters of one run of the program; they outlive the controller that uses them.
+struct PlatformAdapters
+{
+    std::unique_ptr<Clock> clock;
+    std::unique_ptr<SystemIdle> idle;
+    std::unique_ptr<RunningApplications> applications;
+    std::unique_ptr<BrowserScripting> browsers;
+    std::unique_ptr<Preferences> preferences;
+    std::unique_ptr<RecordFiles> files;
+
+    ControllerPorts ports() const
+    {
+        return {*clock, *idle, *applications, *browsers, *preferences, *files};
+    }
+};
+
+/// The adapters that serve this desktop best. Where nothing serves a port, one takes its place that says so.
+PlatformAdapters choosePlatform();

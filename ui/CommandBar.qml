@@ -1,0 +1,61 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Quorvel.Ui
+
+/// The page's title and the commands that apply everywhere. The commands go under a title that they would
+/// leave too little room.
+GridLayout {
+    id: bar
+
+    required property QuorvelController controller
+    required property string title
+    required property string subtitle
+
+    readonly property bool wide: width - commands.implicitWidth - columnSpacing
+                                 >= Math.max(260, subtitleText.implicitWidth)
+
+    columns: wide ? 2 : 1
+    columnSpacing: 12
+    rowSpacing: 14
+
+    ColumnLayout {
+        Layout.fillWidth: true
+        Layout.alignment: Qt.AlignTop
+        spacing: 2
+
+        PageTitleText {
+            Layout.fillWidth: true
+            text: bar.title
+            Accessible.role: Accessible.Heading
+        }
+
+        CalloutText {
+            id: subtitleText
+
+            Layout.fillWidth: true
+            color: AppTheme.textMuted
+            text: bar.subtitle
+        }
+    }
+
+    RowLayout {
+        id: commands
+
+        Layout.alignment: bar.wide ? Qt.AlignTop | Qt.AlignRight : Qt.AlignLeft
+        spacing: 10
+
+        GlassButton {
+            iconName: "lock"
+            text: L10n.t("manual_lock", bar.controller.language)
+            onClicked: bar.controller.lockNow()
+        }
+
+        GlassButton {
+            iconName: "power"
+            text: L10n.t("stop_quorvel", bar.controller.language)
+            onClicked: bar.controller.stopQuorvel()
+        }
+    }
+}

@@ -1,0 +1,43 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Quorvel.Ui
+
+/// The root view: the gate until somebody has entered, then the working layout.
+FocusScope {
+    id: view
+
+    required property QuorvelController controller
+    required property DesktopSupport desktopSupport
+
+    readonly property bool entered: controller.accessMode !== AccessMode.None
+
+    focus: true
+
+    AppBackground {
+        anchors.fill: parent
+    }
+
+    AccessGate {
+        anchors.fill: parent
+        visible: !view.entered
+        enabled: visible
+        focus: visible
+        controller: view.controller
+    }
+
+    // Kept while the gate is up, so that it returns as it was left.
+    WorkingLayout {
+        anchors.fill: parent
+        visible: view.entered
+        enabled: visible
+        focus: visible
+        controller: view.controller
+        desktopSupport: view.desktopSupport
+    }
+
+    Shortcut {
+        sequence: "Ctrl+Q"
+        onActivated: Qt.quit()
+    }
+}

@@ -1,0 +1,112 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Quorvel.Ui
+
+/// The session: its clock and commands, what was reached, what is seen of the desktop, and what happened.
+ColumnLayout {
+    id: page
+
+    required property QuorvelController controller
+    required property DesktopSupport desktopSupport
+
+    readonly property bool narrow: width < AppTheme.narrowContent
+
+    spacing: AppTheme.blockGap
+
+    FocusHero {
+        Layout.fillWidth: true
+        controller: page.controller
+        narrow: page.narrow
+    }
+
+    GridLayout {
+        Layout.fillWidth: true
+        columns: page.narrow ? 2 : 4
+        columnSpacing: AppTheme.tileGap
+        rowSpacing: AppTheme.tileGap
+
+        MetricTile {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            Layout.preferredWidth: 1
+            iconName: "clock"
+            title: L10n.t("today", page.controller.language)
+            value: L10n.duration(page.controller.todayStudySeconds)
+        }
+
+        MetricTile {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            Layout.preferredWidth: 1
+            iconName: "check-seal"
+            title: L10n.t("sessions", page.controller.language)
+            value: page.controller.completedSessions
+        }
+
+        MetricTile {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            Layout.preferredWidth: 1
+            iconName: "sparkles"
+            title: page.controller.levelText
+            value: page.controller.xpText
+        }
+
+        MetricTile {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            Layout.preferredWidth: 1
+            iconName: "flame"
+            title: L10n.t("streak", page.controller.language)
+            value: page.controller.streakText
+        }
+    }
+
+    GridLayout {
+        Layout.fillWidth: true
+        columns: page.narrow ? 2 : 3
+        columnSpacing: AppTheme.tileGap
+        rowSpacing: AppTheme.tileGap
+
+        StatusChip {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            Layout.preferredWidth: 1
+            iconName: "window"
+            title: L10n.t("active_app", page.controller.language)
+            value: page.controller.activeAppName
+        }
+
+        StatusChip {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            Layout.preferredWidth: 1
+            iconName: "timer"
+            title: L10n.t("idle", page.controller.language)
+            value: page.controller.idleSeconds + "s"
+        }
+
+        StatusChip {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            Layout.preferredWidth: 1
+            Layout.columnSpan: page.narrow ? 2 : 1
+            iconName: "blocked"
+            title: L10n.t("blocked_apps", page.controller.language)
+            value: page.controller.blockedAppSummaryText
+        }
+    }
+
+    DesktopLimits {
+        Layout.fillWidth: true
+        controller: page.controller
+        desktopSupport: page.desktopSupport
+    }
+
+    RecentEvents {
+        Layout.fillWidth: true
+        controller: page.controller
+    }
+}

@@ -1,0 +1,47 @@
+#include "IconProvider.h"
+
+#include <QFile>
+#include <QLoggingCategory>
+#include <QPainter>
+#include <QSvgRenderer>
+
+using namespace Qt::StringLiterals;
+
+Q_LOGGING_CATEGORY(lcIcons, "quorvel.ui.icons")
+
+namespace {
+
+/// Side of the grid on which the icons are drawn, in pixels.
+constexpr int iconGrid = 24;
+
+} // namespace
+
+QImage drawIcon(const QString &name, const QColor &color, int side)
+{
+    QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QSvgRenderer renderer(u":/quorvel/icons/"_s + name + u".svg"_s);
+    if (!renderer.isValid()) {
+        qCWarning(lcIcons) << "there is no icon" << name;
+        return image;
+    }
+    QPainter painter(&image);
+    renderer.render(&painter);
+    // The files are white: keep their coverage, take the colour.
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(image.rect(), color);
+    return image;
+}
+
+IconProvider::IconProvider()
+    : QQuickImageProvider(QQuickImageProvider::Image)
+{}
+
+QImage IconProvider::requestImage(const QString &id, QSize *size, const QSize &requestedSize)
+{
+    const int side = requestedSize.width() > 0 ? requestedSize.width() : iconGrid;
+    if (size)
+        *size = QSize(side, side);
+    const auto name = id.section(u'/', 0, 0);
+    return drawIcon(name, QColor(u"#"_s + id.section(u'/', 1, 1)), side);
+}

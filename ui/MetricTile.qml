@@ -1,0 +1,66 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Quorvel.Ui
+
+/// One figure with its title and icon.
+Item {
+    id: tile
+
+    required property string iconName
+    required property string title
+    required property string value
+
+    implicitHeight: row.implicitHeight + 28
+
+    Surface {
+        radius: 14
+        startColor: AppTheme.tileFill
+        outlineColor: AppTheme.faded(AppTheme.glassStroke, 0.65)
+    }
+
+    RowLayout {
+        id: row
+
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.verticalCenter: parent.verticalCenter
+        anchors.margins: 14
+        spacing: 12
+
+        Item {
+            Layout.preferredWidth: 30
+            Layout.preferredHeight: 30
+
+            Surface {
+                radius: 10
+                startColor: AppTheme.faded(AppTheme.neonPurple, 0.14)
+                outlineWidth: 0
+            }
+
+            Icon {
+                anchors.centerIn: parent
+                name: tile.iconName
+                size: 17
+            }
+        }
+
+        ColumnLayout {
+            Layout.fillWidth: true
+            spacing: 0
+
+            CaptionText {
+                Layout.fillWidth: true
+                color: AppTheme.textMuted
+                text: tile.title
+            }
+
+            Title3Text {
+                Layout.fillWidth: true
+                text: tile.value
+                Accessible.description: tile.title
+            }
+        }
+    }
+}

@@ -1,0 +1,56 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Quorvel.Ui
+
+/// The column at the window's leading edge.
+FocusScope {
+    id: sidebar
+
+    required property QuorvelController controller
+
+    implicitWidth: AppTheme.sidebarWidth
+
+    Rectangle {
+        anchors.fill: parent
+        color: AppTheme.sidebarMaterial
+    }
+
+    Rectangle {
+        anchors.right: parent.right
+        width: 1
+        height: parent.height
+        color: AppTheme.faded(AppTheme.glassStroke, 0.45)
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        anchors.margins: 22
+        spacing: 16
+
+        BrandBlock {
+            Layout.fillWidth: true
+            controller: sidebar.controller
+        }
+
+        LanguageSwitch {
+            Layout.fillWidth: true
+            controller: sidebar.controller
+        }
+
+        Item {
+            Layout.fillHeight: true
+        }
+
+        AccountStatus {
+            Layout.fillWidth: true
+            controller: sidebar.controller
+        }
+
+        SidebarStatus {
+            Layout.fillWidth: true
+            controller: sidebar.controller
+        }
+    }
+}

@@ -1,0 +1,32 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Quorvel.Ui
+
+/// How much of a session is over.
+Item {
+    id: bar
+
+    required property real progress ///< 0 to 1
+    required property color color
+    required property string accessibleName
+
+    implicitHeight: 6
+
+    Accessible.role: Accessible.ProgressBar
+    Accessible.name: accessibleName
+    Accessible.description: Math.round(progress * 100) + "%"
+
+    Rectangle {
+        anchors.fill: parent
+        radius: height / 2
+        color: Qt.rgba(1, 1, 1, 0.14)
+    }
+
+    Rectangle {
+        width: parent.width * bar.progress
+        height: parent.height
+        radius: height / 2
+        color: bar.color
+    }
+}
