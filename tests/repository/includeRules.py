@@ -7,6 +7,7 @@ from pathlib import Path, PurePosixPath
 PORTS = {"platform/ports"}
 RULES = {
     "platform/ports": set(),
+    "platform/none": PORTS,
     "platform/posix": PORTS,
     "platform/linux/process": PORTS | {"platform/posix"},
     "platform/linux/x11": PORTS | {"platform/posix", "platform/linux/process"},

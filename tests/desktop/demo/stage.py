@@ -16,6 +16,8 @@ APPLICATIONS = {
 SIZE = "360x110"
 # Low on the right, where it covers little of Quorvel.
 PLACE = ("900", "760")
+# Where the pointer is: on Quorvel's page, away from its buttons.
+HANDS_X, HANDS_Y = 640, 480
 FEWEST_COLOURS = 300  # a window that was not drawn has a handful
 
 
@@ -67,7 +69,7 @@ class Stage:
     def _window_of(self, process):
         def shown():
             if process.poll() is not None:
-                raise StepFailed(f"{process.args[0]} ended with {process.returncode}; its log says why")
+                raise StepFailed(f"{process.args[0]} ended with {process.returncode}; its log may say why")
             found = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(process.pid)],
                                    env=self._desktop.environment, capture_output=True, text=True, check=False)
             return found.stdout.split()[-1:]
@@ -77,6 +79,16 @@ class Stage:
     def hands(self):
         """`with stage.hands():` someone moves the pointer a little, more than once a second."""
         return _Hands(self._desktop)
+
+    def scroll_to_end(self):
+        """Turns the wheel until the page of Quorvel's window shows its end, where the events are."""
+        self._turn_wheel("5")
+
+    def scroll_to_start(self):
+        self._turn_wheel("4")
+
+    def _turn_wheel(self, button):
+        self._desktop.run("xdotool", "mousemove", str(HANDS_X), str(HANDS_Y), "click", "--repeat", "15", "--delay", "5", button)
 
     def picture(self, name):
         """Takes NN-name.png of the whole screen; fails where nothing was drawn."""
@@ -107,8 +119,7 @@ class _Hands:
         beat = 0
         while not self._still.wait(0.4):
             beat += 1
-            # The last rows of the screen, where there is nothing to hover over.
-            self._desktop.run("xdotool", "mousemove", str(600 + beat % 7), "897")
+            self._desktop.run("xdotool", "mousemove", str(HANDS_X + beat % 7), str(HANDS_Y))
 
 
 def seconds_until(condition, seconds, what):

@@ -19,7 +19,7 @@ def _children(node):
 
 
 class Window:
-    """The windows of one process. Only what is showing counts."""
+    """The windows of one process. Only what is showing counts: a page may have to be scrolled to it."""
 
     def __init__(self, process_id):
         self._process_id = process_id
@@ -73,6 +73,17 @@ class Window:
             if time.monotonic() > ends:
                 raise StepFailed(f"no text {pattern!r} within {seconds} s; shown: {texts}")
             time.sleep(0.05)
+
+    def moment_of(self, pattern, seconds):
+        """When a text that matches appeared: the time of the last look without it and of the first with it."""
+        began = before = time.monotonic()
+        while True:
+            looked = time.monotonic()
+            if self.find(pattern):
+                return before, time.monotonic()
+            before = looked
+            if looked - began > seconds:
+                raise StepFailed(f"no text {pattern!r} within {seconds} s; shown: {self.texts()}")
 
     def press(self, name, seconds=10):
         """Presses the button of that name through its accessible action."""
