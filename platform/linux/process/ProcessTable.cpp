@@ -187,8 +187,10 @@ void ProcessTable::lookAgain(Slot &slot, std::chrono::nanoseconds now)
         return;
     }
     const auto state = m_files.state(id);
-    slot.ours = m_files.owner(id) == m_user;
-    slot.nextLook = isYoung(known->second, now) ? now : now + lookEvery;
+    const bool young = isYoung(known->second, now);
+    // An old process that changes hands also changes the owner of its files: no need for the closer look.
+    slot.ours = (!young && m_files.ownerOfFiles(id) == m_user) || m_files.owner(id) == m_user;
+    slot.nextLook = young ? now : now + lookEvery;
     if (!slot.ours || !state || state->ended())
         forget(id);
     else
