@@ -47,11 +47,16 @@ std::chrono::nanoseconds timeSinceBoot()
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
+std::chrono::nanoseconds startOf(quint64 startTime)
+{
+    static const auto tick = std::chrono::nanoseconds(1s) / qMax(sysconf(_SC_CLK_TCK), 1L);
+    return tick * qint64(startTime);
+}
+
 ProcessTable::ProcessTable(const QString &root, uid_t user)
     : m_files(root)
     , m_user(user)
     , m_real(root == "/proc"_L1)
-    , m_tick(std::chrono::nanoseconds(1s) / qMax(sysconf(_SC_CLK_TCK), 1L))
     , m_ends(m_real ? epoll_create1(EPOLL_CLOEXEC) : -1)
 {}
 
@@ -220,7 +225,7 @@ void ProcessTable::forget(qint32 id)
 
 bool ProcessTable::isYoung(const ProcessFacts &process, std::chrono::nanoseconds now) const
 {
-    return now - m_tick * qint64(process.state.startTime) < youngFor;
+    return now - startOf(process.state.startTime) < youngFor;
 }
 
 FileHandle ProcessTable::open(const ProcessKey &process) const
