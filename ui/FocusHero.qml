@@ -41,7 +41,7 @@ Panel {
             width: parent.width + 90
             height: parent.height + 90
             z: -1
-            glowColor: AppTheme.faded(hero.accent, 0.2)
+            glowColor: AppTheme.faded(hero.accent, 0.16)
         }
     }
 
@@ -62,6 +62,7 @@ Panel {
 
         ColumnLayout {
             Layout.fillWidth: true
+            Layout.maximumWidth: hero.width // the subtitle's limit is its own
             spacing: 12
 
             CalloutText {

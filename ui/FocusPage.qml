@@ -21,12 +21,6 @@ ColumnLayout {
         narrow: page.narrow
     }
 
-    DesktopLimits {
-        Layout.fillWidth: true
-        controller: page.controller
-        desktopSupport: page.desktopSupport
-    }
-
     GridLayout {
         Layout.fillWidth: true
         columns: page.narrow ? 2 : 4
@@ -103,6 +97,12 @@ ColumnLayout {
             title: L10n.t("blocked_apps", page.controller.language)
             value: page.controller.blockedAppSummaryText
         }
+    }
+
+    DesktopLimits {
+        Layout.fillWidth: true
+        controller: page.controller
+        desktopSupport: page.desktopSupport
     }
 
     RecentEvents {

@@ -19,6 +19,7 @@ QtObject {
 
     readonly property color bgMiddle: Qt.rgba(0.02, 0.018, 0.04, 1)
     readonly property color greenLight: Qt.rgba(0.58, 1, 0.76, 1) ///< end of the primary button's gradient
+    readonly property color greenMiddle: Qt.rgba(0.425, 1, 0.66, 1)
     readonly property color textOnGreen: Qt.rgba(0.01, 0.02, 0.02, 1)
     readonly property color red: Qt.rgba(1, 105 / 255, 97 / 255, 1)
     readonly property color panelMaterial: Qt.rgba(36 / 255, 35 / 255, 46 / 255, 0.46)
@@ -37,6 +38,8 @@ QtObject {
     readonly property int controlHeight: 40
     readonly property int sidebarWidth: 276
     readonly property int narrowContent: 760 ///< below this width tiles stand two by two
+
+    readonly property int pressDuration: 120 ///< milliseconds
 
     /// `color` with its own opacity multiplied by `opacity`.
     function faded(color: color, opacity: real): color {

@@ -18,75 +18,26 @@ Button {
     scale: down ? 0.985 : 1
     hoverEnabled: false
 
-    Accessible.onPressAction: button.click()
-    Keys.onReturnPressed: button.click()
-    Keys.onEnterPressed: button.click()
+    Accessible.onPressAction: button.clicked()
+    Keys.onReturnPressed: button.clicked()
+    Keys.onEnterPressed: button.clicked()
 
     Behavior on scale {
         NumberAnimation {
-            duration: 120
+            duration: AppTheme.pressDuration
             easing.type: Easing.OutCubic
         }
     }
 
-    background: Item {
-        Surface {
-            id: surface
-
-            radius: 16
-            startColor: button.enabled ? AppTheme.glassFill : AppTheme.tileFill
-            outlineColor: button.enabled ? AppTheme.faded(AppTheme.glassStroke, button.down ? 0.95 : 0.65)
-                                         : Qt.rgba(1, 1, 1, 0.08)
-            shadowColor: AppTheme.faded(AppTheme.neonPurple, button.enabled ? (button.down ? 0.08 : 0.16) : 0)
-            shadowSigma: 14
-            shadowOffset: Qt.point(0, 8)
-
-            Behavior on shadowColor {
-                ColorAnimation {
-                    duration: 120
-                    easing.type: Easing.OutCubic
-                }
-            }
-            Behavior on outlineColor {
-                ColorAnimation {
-                    duration: 120
-                    easing.type: Easing.OutCubic
-                }
-            }
-        }
-
-        FocusRing {
-            controlRadius: surface.radius
-            visible: button.visualFocus
-        }
+    background: GlassSurface {
+        pressed: button.down
+        focused: button.visualFocus
     }
 
-    contentItem: Item {
-        implicitWidth: content.implicitWidth
-        implicitHeight: 22
-
-        Row {
-            id: content
-
-            anchors.centerIn: parent
-            spacing: AppTheme.iconGap
-
-            Icon {
-                anchors.verticalCenter: parent.verticalCenter
-                name: button.iconName
-                visible: button.iconName !== ""
-                color: button.labelColor
-            }
-
-            Text {
-                anchors.verticalCenter: parent.verticalCenter
-                text: button.text
-                textFormat: Text.PlainText
-                color: button.labelColor
-                font.pixelSize: 14
-                font.weight: Font.DemiBold
-                font.letterSpacing: -0.1
-            }
-        }
+    contentItem: ButtonLabel {
+        text: button.text
+        iconName: button.iconName
+        color: button.labelColor
+        weight: Font.DemiBold
     }
 }

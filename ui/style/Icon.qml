@@ -13,7 +13,8 @@ Image {
 
     width: size
     height: size
-    sourceSize: Qt.size(size, size)
+    sourceSize.width: size
+    sourceSize.height: size
     source: name ? "image://icons/" + name + "/" + color.toString().substring(1) : ""
 
     Accessible.ignored: true

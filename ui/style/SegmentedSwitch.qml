@@ -51,10 +51,10 @@ FocusScope {
                 Accessible.name: text
                 Accessible.checkable: true
                 Accessible.checked: current
-                Accessible.onPressAction: segment.click()
-                Accessible.onToggleAction: segment.click()
-                Keys.onReturnPressed: segment.click()
-                Keys.onEnterPressed: segment.click()
+                Accessible.onPressAction: segment.clicked()
+                Accessible.onToggleAction: segment.clicked()
+                Keys.onReturnPressed: segment.clicked()
+                Keys.onEnterPressed: segment.clicked()
                 Keys.onLeftPressed: control.chosen(Math.max(index - 1, 0))
                 Keys.onRightPressed: control.chosen(Math.min(index + 1, control.labels.length - 1))
 

@@ -188,6 +188,8 @@ void X11Windows::takePropertyChange(const xcb_property_notify_event_t &change)
         m_activeStale = m_activeStale || change.atom == atoms.activeWindow;
         return;
     }
+    if (change.atom == atoms.supportingWmCheck)
+        m_managerStale = true; // a manager that marks the root before its own window
     const bool ofUse = change.atom == XCB_ATOM_WM_CLASS || change.atom == XCB_ATOM_WM_CLIENT_MACHINE ||
                        change.atom == XCB_ATOM_WM_TRANSIENT_FOR || change.atom == atoms.wmPid ||
                        change.atom == atoms.windowType || change.atom == atoms.gtkApplicationId ||
@@ -198,26 +200,30 @@ void X11Windows::takePropertyChange(const xcb_property_notify_event_t &change)
 
 void X11Windows::readManager()
 {
+    // Notices are ordered before each answer is asked for: what changes in between is told of.
+    const auto watch = [this](xcb_window_t window, uint32_t events) {
+        xcb_change_window_attributes(m_connection->handle(), window, XCB_CW_EVENT_MASK, &events);
+    };
+    const auto root = m_connection->root();
     const auto check = m_connection->atoms().supportingWmCheck;
-    const auto named =
-        firstOf<xcb_window_t>(property(askProperty(m_connection->root(), check, XCB_ATOM_WINDOW)));
+    watch(root, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+    const auto named = firstOf<xcb_window_t>(property(askProperty(root, check, XCB_ATOM_WINDOW)));
+    if (named != 0)
+        watch(named, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
     // A manager that crashed leaves its mark on the root; its window is gone then, or another's without the
     // mark.
     const bool alive =
         named != 0 && firstOf<xcb_window_t>(property(askProperty(named, check, XCB_ATOM_WINDOW))) == named;
+    if (alive)
+        watch(root, XCB_EVENT_MASK_PROPERTY_CHANGE); // it lists the windows, so their coming is its to tell
     if (alive != (m_manager != 0) || m_list.empty())
         qCDebug(logX11) << (alive ? "a window manager runs"
                                   : "no window manager runs: the active window is unknown");
     m_manager = alive ? named : 0;
     m_managerProcess = 0;
-    const uint32_t onRoot =
-        XCB_EVENT_MASK_PROPERTY_CHANGE | (alive ? 0u : uint32_t(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY));
-    xcb_change_window_attributes(m_connection->handle(), m_connection->root(), XCB_CW_EVENT_MASK, &onRoot);
     m_listStale = m_activeStale = true;
     if (!alive)
         return;
-    const uint32_t onManager = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-    xcb_change_window_attributes(m_connection->handle(), m_manager, XCB_CW_EVENT_MASK, &onManager);
     const auto claimed = askProperty(m_manager, m_connection->atoms().wmPid, XCB_ATOM_CARDINAL);
     const auto known = clientProcess(askClientProcess(m_manager));
     const auto claim = firstOf<qint32>(property(claimed));
@@ -283,7 +289,13 @@ void X11Windows::readWindows(const std::vector<xcb_window_t> &windows)
     for (const auto window : windows)
         asked.push_back(askAbout(window));
     for (const auto &questions : asked) {
-        if (auto window = answersAbout(questions))
+        auto window = answersAbout(questions);
+        const auto known = m_windows.find(questions.window);
+        const bool sameOwner =
+            window && known != m_windows.end() && known->second.facts.processId == window->facts.processId;
+        if (sameOwner)
+            window->facts.seen = known->second.facts.seen;
+        if (window)
             m_windows.insert_or_assign(questions.window, std::move(*window));
         else
             m_windows.erase(questions.window);
@@ -339,6 +351,7 @@ std::optional<X11Windows::Window> X11Windows::answersAbout(const Questions &ques
     const auto client = clientProcess(questions.client);
     if (!classReply)
         return std::nullopt; // gone already
+    window.facts.seen = timeSinceBoot();
     window.facts.instance = decoded(classes.value(0));
     window.facts.className = decoded(classes.value(1));
     window.facts.processId = localProcess(client, claimed, upTo(machine, '\0'));

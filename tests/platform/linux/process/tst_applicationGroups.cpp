@@ -107,6 +107,14 @@ private Q_SLOTS:
         QCOMPARE(applications({{40, {}, u"game"_s, u"Great Game"_s}}), QStringList{u"40 Great Game|-:"_s});
         QCOMPARE(applications({{40, {}, {}, {}}}), QStringList{u"40 game|-:"_s});
     }
+    void aWindowIsNotThatOfALaterProcess()
+    {
+        m_system->addProcess({.id = 40, .executable = u"/opt/a/a"_s, .startTime = 100});
+        m_system->addProcess({.id = 41, .executable = u"/opt/b/b"_s, .startTime = 300});
+        const auto seen = startOf(200);
+        QCOMPARE(applications({{40, {}, u"a"_s, u"A"_s, seen}, {41, {}, u"b"_s, u"B"_s, seen}}),
+                 QStringList{u"40 A|-:"_s});
+    }
     void windowsNameTheirEntry()
     {
         m_system->addProcess({.id = 40, .executable = u"/usr/bin/python3.11"_s, .arguments = {u"main.py"_s}});
