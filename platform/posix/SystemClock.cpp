@@ -4,9 +4,11 @@
 
 QDateTime SystemClock::now() const
 {
-    // The C library looks again at /etc/localtime here only; all else goes by the zone it read first.
+    // Only here, by its own promise, does the C library look at /etc/localtime again. Qt 6.4 happens to ask
+    // it in a way that does so too.
     ::tzset();
-    return QDateTime::currentDateTime();
+    const QDateTime local = QDateTime::currentDateTime();
+    return local.toOffsetFromUtc(local.offsetFromUtc());
 }
 
 std::chrono::nanoseconds SystemClock::elapsed() const

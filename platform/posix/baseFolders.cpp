@@ -27,15 +27,20 @@ QString homeFolder()
     return home.startsWith(u'/') ? home : homeOfUserDatabase();
 }
 
+QString withoutLastSlashes(QString path)
+{
+    while (path.endsWith(u'/'))
+        path.chop(1);
+    return path;
+}
+
 /// The folder `name` in the base folder that `variable` names, by default `underHome` (begins with "/").
 /// ".." is left to the file system, which alone knows where symbolic links lead.
 QString folderIn(const char *variable, const QString &underHome, const QString &name)
 {
-    QString base = QFile::decodeName(qgetenv(variable));
-    if (!base.startsWith(u'/'))
-        base = homeFolder() + underHome;
-    while (base.endsWith(u'/'))
-        base.chop(1);
+    const QString named = QFile::decodeName(qgetenv(variable));
+    const QString base =
+        named.startsWith(u'/') ? withoutLastSlashes(named) : withoutLastSlashes(homeFolder()) + underHome;
     return base + u'/' + name;
 }
 

@@ -7,7 +7,7 @@
 
 namespace {
 
-Q_LOGGING_CATEGORY(logProcess, "quorvel.platform.process")
+Q_LOGGING_CATEGORY(logProcess, "quorvel.platform.process", QtInfoMsg)
 
 } // namespace
 

@@ -18,22 +18,29 @@ using namespace std::chrono_literals;
 
 namespace {
 
-Q_LOGGING_CATEGORY(logProcess, "quorvel.platform.process")
+Q_LOGGING_CATEGORY(logProcess, "quorvel.platform.process", QtInfoMsg)
 
 constexpr auto lookInterval = 10s;
 constexpr qsizetype largestEntry = 256 * 1024; // real ones are below 50 KiB
 constexpr qsizetype mostEntries = 10'000;
-constexpr int deepestFolder = 8; // also ends links in circles
+constexpr int deepestFolder = 8;
 
 // A folder that changed this shortly before it was read may change again within the same tick of its clock.
 constexpr qint64 doubtfulAge = 2'000'000'000;
 
-qint64 changeTime(const QString &folder)
+struct FolderState
+{
+    qint64 changed = 0; ///< modification time in ns; 0 for a missing folder
+    std::pair<quint64, quint64> identity;
+};
+
+FolderState stateOf(const QString &folder)
 {
     struct stat status;
     if (stat(QFile::encodeName(folder).constData(), &status) != 0)
-        return 0;
-    return qint64(status.st_mtim.tv_sec) * 1'000'000'000 + status.st_mtim.tv_nsec;
+        return {};
+    return {qint64(status.st_mtim.tv_sec) * 1'000'000'000 + status.st_mtim.tv_nsec,
+            {status.st_dev, status.st_ino}};
 }
 
 /// The first bytes of a plain file, or none: a pipe or a device under that name must not hold us up.
@@ -157,12 +164,13 @@ DesktopEntryPointer DesktopIndex::byLooseName(const QString &name) const
 bool DesktopIndex::foldersChanged() const
 {
     return std::any_of(m_folders.begin(), m_folders.end(),
-                       [](const Folder &folder) { return folder.changed != changeTime(folder.path); });
+                       [](const Folder &folder) { return folder.changed != stateOf(folder.path).changed; });
 }
 
 void DesktopIndex::readAll()
 {
     m_folders.clear();
+    m_visited.clear();
     m_byId.clear();
     for (const auto &folder : std::as_const(m_places.dataFolders))
         readFolder(folder + "/applications"_L1, {}, 0);
@@ -172,10 +180,11 @@ void DesktopIndex::readAll()
 
 void DesktopIndex::readFolder(const QString &folder, const QString &prefix, int depth)
 {
-    auto changed = changeTime(folder);
+    const auto state = stateOf(folder);
     const auto now = QDateTime::currentMSecsSinceEpoch() * 1'000'000;
-    m_folders.push_back({folder, now - changed < doubtfulAge && changed != 0 ? -1 : changed});
-    if (changed == 0)
+    const bool doubtful = state.changed != 0 && now - state.changed < doubtfulAge;
+    m_folders.push_back({folder, doubtful ? -1 : state.changed});
+    if (state.changed == 0 || !m_visited.insert(state.identity).second)
         return;
     QDirIterator files(folder, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System);
     while (files.hasNext() && m_byId.size() < mostEntries) {

@@ -6,6 +6,8 @@
 #include <QHash>
 
 #include <chrono>
+#include <set>
+#include <utility>
 #include <vector>
 
 /// Where desktop entries and programs are looked for, and the language of names.
@@ -70,6 +72,7 @@ private:
     DesktopPlaces m_places;
     QStringList m_locales;
     std::vector<Folder> m_folders;
+    std::set<std::pair<quint64, quint64>> m_visited; ///< device and number of each: links may run in circles
     std::optional<std::chrono::nanoseconds> m_lookedAt;
     QHash<QString, DesktopEntryPointer> m_byId; ///< a hidden entry stays in, to hide those behind it
     Programs m_byPath;

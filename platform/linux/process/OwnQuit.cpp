@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-Q_LOGGING_CATEGORY(logProcess, "quorvel.platform.process")
+Q_LOGGING_CATEGORY(logProcess, "quorvel.platform.process", QtInfoMsg)
 
 constexpr int longestAnswer = 1000; // ms; nobody waits, but the request to end must not come much later
 

@@ -87,22 +87,28 @@ void ProcFiles::list(std::vector<ProcessNumber> &numbers)
         std::sort(numbers.begin(), numbers.end());
 }
 
-std::optional<uid_t> ProcFiles::owner(qint32 id) const
+std::optional<uid_t> ProcFiles::ownerOfFiles(qint32 id) const
 {
     struct stat status;
     if (!m_listing || fstatat(dirfd(m_listing.get()), ProcPath(id, "").text(), &status, 0) != 0)
         return std::nullopt;
-    if (status.st_uid != 0)
-        return status.st_uid;
+    return status.st_uid;
+}
+
+std::optional<uid_t> ProcFiles::owner(qint32 id) const
+{
+    const auto shown = ownerOfFiles(id);
+    if (shown != uid_t(0))
+        return shown;
     const auto text = read(id, "status", longestSmallFile);
     const auto at = text.indexOf("\nUid:");
     if (at < 0)
-        return status.st_uid;
+        return shown;
     const auto fields =
         text.sliced(at + 5, qMax(text.indexOf('\n', at + 1) - at - 5, qsizetype(0))).simplified();
     bool ok = false;
     const auto effective = fields.split(' ').value(1).toUInt(&ok);
-    return ok ? effective : status.st_uid;
+    return ok ? std::optional<uid_t>(effective) : shown;
 }
 
 std::optional<ProcessState> ProcFiles::state(qint32 id) const

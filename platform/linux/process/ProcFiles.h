@@ -69,6 +69,9 @@ public:
     /// looked at more closely.
     std::optional<uid_t> owner(qint32 id) const;
 
+    /// The owner of its files: the same, but for processes that guard themselves. Costs a tenth.
+    std::optional<uid_t> ownerOfFiles(qint32 id) const;
+
     std::optional<ProcessState> state(qint32 id) const;
     QString executable(qint32 id) const;
     std::optional<ProcessFacts> facts(qint32 id) const;

@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-Q_LOGGING_CATEGORY(logProcess, "quorvel.platform.process")
+Q_LOGGING_CATEGORY(logProcess, "quorvel.platform.process", QtInfoMsg)
 
 constexpr auto youngFor = 10s;
 constexpr auto lookEvery = 10s;
@@ -47,11 +47,16 @@ std::chrono::nanoseconds timeSinceBoot()
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
+std::chrono::nanoseconds startOf(quint64 startTime)
+{
+    static const auto tick = std::chrono::nanoseconds(1s) / qMax(sysconf(_SC_CLK_TCK), 1L);
+    return tick * qint64(startTime);
+}
+
 ProcessTable::ProcessTable(const QString &root, uid_t user)
     : m_files(root)
     , m_user(user)
     , m_real(root == "/proc"_L1)
-    , m_tick(std::chrono::nanoseconds(1s) / qMax(sysconf(_SC_CLK_TCK), 1L))
     , m_ends(m_real ? epoll_create1(EPOLL_CLOEXEC) : -1)
 {}
 
@@ -187,8 +192,10 @@ void ProcessTable::lookAgain(Slot &slot, std::chrono::nanoseconds now)
         return;
     }
     const auto state = m_files.state(id);
-    slot.ours = m_files.owner(id) == m_user;
-    slot.nextLook = isYoung(known->second, now) ? now : now + lookEvery;
+    const bool young = isYoung(known->second, now);
+    // An old process that changes hands also changes the owner of its files: no need for the closer look.
+    slot.ours = (!young && m_files.ownerOfFiles(id) == m_user) || m_files.owner(id) == m_user;
+    slot.nextLook = young ? now : now + lookEvery;
     if (!slot.ours || !state || state->ended())
         forget(id);
     else
@@ -218,7 +225,7 @@ void ProcessTable::forget(qint32 id)
 
 bool ProcessTable::isYoung(const ProcessFacts &process, std::chrono::nanoseconds now) const
 {
-    return now - m_tick * qint64(process.state.startTime) < youngFor;
+    return now - startOf(process.state.startTime) < youngFor;
 }
 
 FileHandle ProcessTable::open(const ProcessKey &process) const

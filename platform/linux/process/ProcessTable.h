@@ -71,7 +71,6 @@ private:
     ProcFiles m_files;
     uid_t m_user;
     bool m_real;
-    std::chrono::nanoseconds m_tick;
     std::vector<ProcessNumber> m_listing;
     std::vector<Slot> m_slots; ///< in the listing's order
     std::unordered_map<qint32, ProcessFacts> m_processes;
@@ -82,3 +81,6 @@ private:
 
 /// Time since boot, sleep included: the clock that start times are counted in.
 std::chrono::nanoseconds timeSinceBoot();
+
+/// That time for a start time in clock ticks, rounded down to a tick (10 ms).
+std::chrono::nanoseconds startOf(quint64 startTime);

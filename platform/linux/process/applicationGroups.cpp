@@ -28,6 +28,7 @@ struct WindowEvidence
 {
     DesktopMatch match;
     QString className;
+    std::chrono::nanoseconds seen{};
 };
 
 QString classOf(const WindowFacts &window)
@@ -110,6 +111,7 @@ private:
             evidence.match = std::move(match);
         if (evidence.className.isEmpty())
             evidence.className = classOf(window);
+        evidence.seen = qMax(evidence.seen, window.seen);
     }
 
     /// The number of the group that a process belongs to, or none.
@@ -131,7 +133,8 @@ private:
         if (m_session.contains(process.id) || isSessionPart(process))
             return none;
         const auto window = m_windows.find(process.id);
-        const bool hasWindow = window != m_windows.end();
+        const bool hasWindow =
+            window != m_windows.end() && startOf(process.state.startTime) <= window->second.seen;
         auto match = matchProcess(process, m_index);
         if (hasWindow && window->second.match.evidence > match.evidence)
             match = window->second.match;

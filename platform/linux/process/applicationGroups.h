@@ -16,6 +16,9 @@ struct WindowFacts
     QString instance;      ///< first part of WM_CLASS; else empty
     QString className;     ///< second part of WM_CLASS, or what serves as such; else empty
 
+    /// Time since boot at which the window was there: no process that started later is its owner.
+    std::chrono::nanoseconds seen = std::chrono::nanoseconds::max();
+
     bool operator==(const WindowFacts &) const = default;
 };
 

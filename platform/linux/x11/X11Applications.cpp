@@ -8,7 +8,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-Q_LOGGING_CATEGORY(logX11, "quorvel.platform.x11")
+Q_LOGGING_CATEGORY(logX11, "quorvel.platform.x11", QtInfoMsg)
 
 } // namespace
 

@@ -15,7 +15,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-Q_LOGGING_CATEGORY(logX11, "quorvel.platform.x11")
+Q_LOGGING_CATEGORY(logX11, "quorvel.platform.x11", QtInfoMsg)
 
 // A server on this machine answers within 0.1 ms; a second's heartbeat must not be held up by one that hangs.
 constexpr auto longestAnswer = 200ms;

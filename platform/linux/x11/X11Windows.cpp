@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-Q_LOGGING_CATEGORY(logX11, "quorvel.platform.x11")
+Q_LOGGING_CATEGORY(logX11, "quorvel.platform.x11", QtInfoMsg)
 
 constexpr uint32_t longestProperty = 256;      // in units of 4 bytes; names are below 100 bytes
 constexpr uint32_t longestWindowList = 16'384; // windows
@@ -28,9 +28,16 @@ QByteArray thisHost()
     return name;
 }
 
+/// The part before the first `end`, or all.
+QByteArray upTo(const QByteArray &text, char end)
+{
+    const auto at = text.indexOf(end);
+    return at < 0 ? text : text.first(at);
+}
+
 bool isThisHost(const QByteArray &machine, const QByteArray &host)
 {
-    const auto shortName = [](const QByteArray &name) { return name.left(name.indexOf('.')).toLower(); };
+    const auto shortName = [](const QByteArray &name) { return upTo(name, '.').toLower(); };
     return machine.isEmpty() || machine == "localhost" || shortName(machine) == shortName(host);
 }
 
@@ -109,6 +116,7 @@ std::vector<WindowFacts> X11Windows::windows() const
 
 std::optional<WindowFacts> X11Windows::active() const
 {
+    // Openbox goes on naming a window that has hidden itself, until another one gets the focus.
     const auto found = m_windows.find(m_active);
     return found == m_windows.end() || !found->second.ordinary ? std::nullopt
                                                                : std::optional(found->second.facts);
@@ -180,6 +188,8 @@ void X11Windows::takePropertyChange(const xcb_property_notify_event_t &change)
         m_activeStale = m_activeStale || change.atom == atoms.activeWindow;
         return;
     }
+    if (change.atom == atoms.supportingWmCheck)
+        m_managerStale = true; // a manager that marks the root before its own window
     const bool ofUse = change.atom == XCB_ATOM_WM_CLASS || change.atom == XCB_ATOM_WM_CLIENT_MACHINE ||
                        change.atom == XCB_ATOM_WM_TRANSIENT_FOR || change.atom == atoms.wmPid ||
                        change.atom == atoms.windowType || change.atom == atoms.gtkApplicationId ||
@@ -190,26 +200,30 @@ void X11Windows::takePropertyChange(const xcb_property_notify_event_t &change)
 
 void X11Windows::readManager()
 {
+    // Notices are ordered before each answer is asked for: what changes in between is told of.
+    const auto watch = [this](xcb_window_t window, uint32_t events) {
+        xcb_change_window_attributes(m_connection->handle(), window, XCB_CW_EVENT_MASK, &events);
+    };
+    const auto root = m_connection->root();
     const auto check = m_connection->atoms().supportingWmCheck;
-    const auto named =
-        firstOf<xcb_window_t>(property(askProperty(m_connection->root(), check, XCB_ATOM_WINDOW)));
+    watch(root, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+    const auto named = firstOf<xcb_window_t>(property(askProperty(root, check, XCB_ATOM_WINDOW)));
+    if (named != 0)
+        watch(named, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
     // A manager that crashed leaves its mark on the root; its window is gone then, or another's without the
     // mark.
     const bool alive =
         named != 0 && firstOf<xcb_window_t>(property(askProperty(named, check, XCB_ATOM_WINDOW))) == named;
+    if (alive)
+        watch(root, XCB_EVENT_MASK_PROPERTY_CHANGE); // it lists the windows, so their coming is its to tell
     if (alive != (m_manager != 0) || m_list.empty())
         qCDebug(logX11) << (alive ? "a window manager runs"
                                   : "no window manager runs: the active window is unknown");
     m_manager = alive ? named : 0;
     m_managerProcess = 0;
-    const uint32_t onRoot =
-        XCB_EVENT_MASK_PROPERTY_CHANGE | (alive ? 0u : uint32_t(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY));
-    xcb_change_window_attributes(m_connection->handle(), m_connection->root(), XCB_CW_EVENT_MASK, &onRoot);
     m_listStale = m_activeStale = true;
     if (!alive)
         return;
-    const uint32_t onManager = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-    xcb_change_window_attributes(m_connection->handle(), m_manager, XCB_CW_EVENT_MASK, &onManager);
     const auto claimed = askProperty(m_manager, m_connection->atoms().wmPid, XCB_ATOM_CARDINAL);
     const auto known = clientProcess(askClientProcess(m_manager));
     const auto claim = firstOf<qint32>(property(claimed));
@@ -222,7 +236,6 @@ void X11Windows::readList()
     std::erase_if(m_windows, [this](const auto &window) {
         return std::find(m_list.begin(), m_list.end(), window.first) == m_list.end();
     });
-    m_activeStale = m_activeStale || !m_windows.contains(m_active);
     std::vector<xcb_window_t> unknown;
     std::copy_if(m_list.begin(), m_list.end(), std::back_inserter(unknown),
                  [this](auto window) { return !m_windows.contains(window); });
@@ -235,10 +248,8 @@ void X11Windows::readActive()
     if (m_manager == 0)
         return;
     const auto &atoms = m_connection->atoms();
-    m_active = firstOf<xcb_window_t>(
-        property(askProperty(m_connection->root(), atoms.activeWindow, XCB_ATOM_WINDOW)));
-    if (m_active != 0 && !m_windows.contains(m_active))
-        readWindows({m_active}); // the list that has it is still on its way
+    const auto asked = askProperty(m_connection->root(), atoms.activeWindow, XCB_ATOM_WINDOW);
+    m_active = firstOf<xcb_window_t>(property(asked));
 }
 
 std::vector<xcb_window_t> X11Windows::managedWindows()
@@ -278,7 +289,13 @@ void X11Windows::readWindows(const std::vector<xcb_window_t> &windows)
     for (const auto window : windows)
         asked.push_back(askAbout(window));
     for (const auto &questions : asked) {
-        if (auto window = answersAbout(questions))
+        auto window = answersAbout(questions);
+        const auto known = m_windows.find(questions.window);
+        const bool sameOwner =
+            window && known != m_windows.end() && known->second.facts.processId == window->facts.processId;
+        if (sameOwner)
+            window->facts.seen = known->second.facts.seen;
+        if (window)
             m_windows.insert_or_assign(questions.window, std::move(*window));
         else
             m_windows.erase(questions.window);
@@ -334,12 +351,13 @@ std::optional<X11Windows::Window> X11Windows::answersAbout(const Questions &ques
     const auto client = clientProcess(questions.client);
     if (!classReply)
         return std::nullopt; // gone already
+    window.facts.seen = timeSinceBoot();
     window.facts.instance = decoded(classes.value(0));
     window.facts.className = decoded(classes.value(1));
-    window.facts.processId = localProcess(client, claimed, machine.left(machine.indexOf('\0')));
+    window.facts.processId = localProcess(client, claimed, upTo(machine, '\0'));
     if (desktopFile.isEmpty())
         desktopFile = kdeFile;
-    window.facts.applicationId = decoded(desktopFile.left(desktopFile.indexOf('\0')));
+    window.facts.applicationId = decoded(upTo(desktopFile, '\0'));
     if (window.facts.applicationId.endsWith(".desktop"_L1))
         window.facts.applicationId.chop(8);
     window.closable = std::find(protocols.begin(), protocols.end(), atoms.wmDeleteWindow) != protocols.end();

@@ -65,7 +65,7 @@ private:
     std::shared_ptr<X11Connection> m_connection;
     QByteArray m_hostName;
     std::vector<xcb_window_t> m_list;
-    std::unordered_map<xcb_window_t, Window> m_windows; ///< those of m_list, and the active one
+    std::unordered_map<xcb_window_t, Window> m_windows; ///< those of m_list
     std::set<xcb_window_t> m_stale;                     ///< windows whose properties changed
     xcb_window_t m_active = 0;
     xcb_window_t m_manager = 0; ///< the window by which a window manager shows itself; 0 without one

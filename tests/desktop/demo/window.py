@@ -1,0 +1,106 @@
+"""The program's window as its accessibility tree shows it: texts to read, buttons to press."""
+
+import re
+import time
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib  # noqa: E402
+
+from report import StepFailed  # noqa: E402
+
+
+def _children(node):
+    for number in range(node.get_child_count()):
+        child = node.get_child_at_index(number)
+        if child is not None:
+            yield child
+
+
+class Window:
+    """The windows of one process. Only what is showing counts: a page may have to be scrolled to it."""
+
+    def __init__(self, process_id):
+        self._process_id = process_id
+        Atspi.init()
+
+    def _application(self):
+        for node in _children(Atspi.get_desktop(0)):
+            try:
+                if node.get_process_id() == self._process_id:
+                    return node
+            except GLib.Error:
+                continue  # one that is just going
+        return None
+
+    def nodes(self):
+        """Every showing item as (item, role, name), as the program has it now."""
+        application = self._application()
+        if application is None:
+            return []
+        application.clear_cache()
+        found = []
+        waiting = list(_children(application))
+        while waiting:
+            node = waiting.pop(0)
+            try:
+                if not node.get_state_set().contains(Atspi.StateType.SHOWING):
+                    continue
+                found.append((node, node.get_role_name(), node.get_name() or ""))
+                waiting[:0] = _children(node)
+            except GLib.Error:
+                continue  # gone while it was looked at
+        return found
+
+    def texts(self):
+        """The names of all showing items, from top to bottom."""
+        return [name for _, _, name in self.nodes() if name]
+
+    def find(self, pattern):
+        """The first showing text that the pattern matches whole, or None."""
+        wanted = re.compile(pattern)
+        return next((text for text in self.texts() if wanted.fullmatch(text)), None)
+
+    def wait_for(self, pattern, seconds):
+        """The first text that matches; StepFailed with what is shown instead where there is none in time."""
+        ends = time.monotonic() + seconds
+        while True:
+            texts = self.texts()
+            for text in texts:
+                if re.fullmatch(pattern, text):
+                    return text
+            if time.monotonic() > ends:
+                raise StepFailed(f"no text {pattern!r} within {seconds} s; shown: {texts}")
+            time.sleep(0.05)
+
+    def moment_of(self, pattern, seconds):
+        """When a text that matches appeared: the time of the last look without it and of the first with it."""
+        began = before = time.monotonic()
+        while True:
+            looked = time.monotonic()
+            if self.find(pattern):
+                return before, time.monotonic()
+            before = looked
+            if looked - began > seconds:
+                raise StepFailed(f"no text {pattern!r} within {seconds} s; shown: {self.texts()}")
+
+    def press(self, name, seconds=10):
+        """Presses the button of that name through its accessible action."""
+        ends = time.monotonic() + seconds
+        while time.monotonic() < ends:
+            for node, role, text in self.nodes():
+                if text == name and self._press(node, role):
+                    return
+            time.sleep(0.1)
+        raise StepFailed(f"no button {name!r} that can be pressed")
+
+    @staticmethod
+    def _press(node, role):
+        if role in ("label", "filler", "panel") or not node.get_state_set().contains(Atspi.StateType.ENABLED):
+            return False
+        actions = node.get_action_iface()
+        for number in range(actions.get_n_actions() if actions else 0):
+            if Atspi.Action.get_action_name(actions, number).lower() in ("press", "toggle"):
+                return Atspi.Action.do_action(actions, number)
+        return False

@@ -1,0 +1,52 @@
+#include "browserNames.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+class TestBrowserNames : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void names_data()
+    {
+        QTest::addColumn<QString>("id");
+        QTest::addColumn<QString>("executable");
+        QTest::addColumn<QString>("name"); // empty: its own
+        QTest::newRow("chrome") << u"google-chrome"_s << QString() << u"Google Chrome"_s;
+        QTest::newRow("chrome flatpak") << u"com.google.Chrome"_s << QString() << u"Google Chrome"_s;
+        QTest::newRow("brave") << u"brave-browser"_s << QString() << u"Brave Browser"_s;
+        QTest::newRow("brave flatpak") << u"com.brave.Browser"_s << QString() << u"Brave Browser"_s;
+        QTest::newRow("edge") << u"microsoft-edge"_s << QString() << u"Microsoft Edge"_s;
+        QTest::newRow("edge flatpak") << u"com.microsoft.Edge"_s << QString() << u"Microsoft Edge"_s;
+        QTest::newRow("chromium") << u"chromium"_s << u"/usr/lib/chromium/chromium"_s << u"Chromium"_s;
+        QTest::newRow("chromium flatpak") << u"org.chromium.Chromium"_s << QString() << u"Chromium"_s;
+        QTest::newRow("opera") << u"opera"_s << QString() << u"Opera"_s;
+        QTest::newRow("opera flatpak") << u"com.opera.Opera"_s << QString() << u"Opera"_s;
+        QTest::newRow("program alone") << QString() << u"/opt/google/chrome/chrome"_s << u"Google Chrome"_s;
+        QTest::newRow("edge's program")
+            << QString() << u"/opt/microsoft/msedge/msedge"_s << u"Microsoft Edge"_s;
+        QTest::newRow("edge dev's program")
+            << QString() << u"/opt/microsoft/msedge-dev/msedge"_s << QString();
+        QTest::newRow("chrome beta") << u"google-chrome-beta"_s << u"/opt/google/chrome-beta/chrome"_s
+                                     << QString();
+        QTest::newRow("chrome dev flatpak") << u"com.google.ChromeDev"_s << QString() << QString();
+        QTest::newRow("brave nightly") << u"brave-browser-nightly"_s << QString() << QString();
+        QTest::newRow("edge dev") << u"microsoft-edge-dev"_s << QString() << QString();
+        QTest::newRow("opera developer") << u"opera-developer"_s << QString() << QString();
+        QTest::newRow("web application")
+            << u"chrome-abcdef-Default"_s << u"/opt/google/chrome/chrome"_s << QString();
+        QTest::newRow("firefox") << u"firefox-esr"_s << u"/usr/lib/firefox-esr/firefox-esr"_s << QString();
+        QTest::newRow("nothing") << QString() << QString() << QString();
+    }
+    void names()
+    {
+        QFETCH(QString, id);
+        QFETCH(QString, executable);
+        QTEST(supportedBrowserName(id, executable).value_or(QString()), "name");
+    }
+};
+
+QTEST_GUILESS_MAIN(TestBrowserNames)
+#include "tst_browserNames.moc"
