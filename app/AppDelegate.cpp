@@ -94,7 +94,8 @@ void AppDelegate::createStatusItem()
                 if (reason == QSystemTrayIcon::Trigger)
                     showWindow();
             });
-    m_statusLook = statusLook(m_controller.mode(), m_controller.studyRemaining(), m_controller.breakRemaining());
+    m_statusLook =
+        statusLook(m_controller.mode(), m_controller.studyRemaining(), m_controller.breakRemaining());
     m_statusItem->setIcon(drawStatusIcon(m_statusLook));
     updateStatusItem();
     m_statusItem->show();

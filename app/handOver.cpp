@@ -76,8 +76,7 @@ bool sendAll(int socket, const QByteArray &bytes, const QDeadlineTimer &deadline
 
 std::optional<QByteArray> writeHandOver(const QStringList &arguments)
 {
-    const auto text =
-        QJsonDocument(QJsonArray::fromStringList(arguments)).toJson(QJsonDocument::Compact);
+    const auto text = QJsonDocument(QJsonArray::fromStringList(arguments)).toJson(QJsonDocument::Compact);
     if (text.size() > longestHandOver)
         return std::nullopt;
     QByteArray message(lengthBytes, Qt::Uninitialized);

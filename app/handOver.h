@@ -6,9 +6,9 @@
 #include <chrono>
 #include <optional>
 
-/// How a second start tells the first one its arguments: the message's length as four bytes, the highest first,
-/// then the arguments as a JSON list of texts. The first answers with `handOverConfirmation` once its window
-/// is up.
+/// How a second start tells the first one its arguments: the message's length as four bytes, the highest
+/// first, then the arguments as a JSON list of texts. The first answers with `handOverConfirmation` once its
+/// window is up.
 inline constexpr qint64 longestHandOver = 64 * 1024; ///< bytes, without the four of the length
 inline constexpr char handOverConfirmation = '+';
 

@@ -35,7 +35,8 @@ int giveUp(int &argc, char **argv, const QString &reason)
     QApplication application(argc, argv);
     QApplication::setApplicationDisplayName(u"Quorvel"_s);
     TerminationSignals signalsOfTheSystem;
-    QObject::connect(&signalsOfTheSystem, &TerminationSignals::asked, &application, [] { QCoreApplication::exit(1); });
+    QObject::connect(&signalsOfTheSystem, &TerminationSignals::asked, &application,
+                     [] { QCoreApplication::exit(1); });
     QMessageBox dialog(QMessageBox::Critical, u"Quorvel"_s, reason);
     dialog.exec();
     return 1;

@@ -20,10 +20,7 @@ struct PlatformAdapters
     std::unique_ptr<Preferences> preferences;
     std::unique_ptr<RecordFiles> files;
 
-    ControllerPorts ports() const
-    {
-        return {*clock, *idle, *applications, *browsers, *preferences, *files};
-    }
+    ControllerPorts ports() const { return {*clock, *idle, *applications, *browsers, *preferences, *files}; }
 };
 
 /// The adapters that serve this desktop best. Where nothing serves a port, one takes its place that says so.

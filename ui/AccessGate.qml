@@ -17,7 +17,6 @@ FocusScope {
         id: scroller
 
         anchors.fill: parent
-        focus: true
         content: page
 
         Item {
@@ -74,6 +73,7 @@ FocusScope {
                     Layout.preferredWidth: gate.formWidth
                     Layout.alignment: Qt.AlignVCenter
                     contentSpacing: 14
+                    Accessible.name: L10n.t("account", gate.controller.language)
 
                     GlassButton {
                         Layout.fillWidth: true

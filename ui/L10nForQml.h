@@ -6,8 +6,8 @@
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
-/// The text table for QML. The language is an argument, so that a binding that names the controller's language
-/// follows it.
+/// The text table for QML. The language is an argument, so that a binding that names the controller's
+/// language follows it.
 class L10nForQml : public QObject
 {
     Q_OBJECT

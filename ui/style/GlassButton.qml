@@ -18,7 +18,10 @@ Button {
     scale: down ? 0.985 : 1
     hoverEnabled: false
 
-    Accessible.onPressAction: button.clicked()
+    Accessible.onPressAction: {
+        if (button.enabled) // assistive tools can press a disabled button
+            button.clicked();
+    }
     Keys.onReturnPressed: button.clicked()
     Keys.onEnterPressed: button.clicked()
 

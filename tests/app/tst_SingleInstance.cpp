@@ -1,0 +1,240 @@
+#include "InstanceFolder.h"
+#include "handOver.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QLocalSocket>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QtEndian>
+
+#include <fcntl.h>
+#include <memory>
+#include <signal.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A start of the probe in a runtime folder; ended with the object.
+class Start
+{
+public:
+    explicit Start(const QString &runtimeFolder, const QStringList &arguments = {})
+    {
+        auto environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"XDG_RUNTIME_DIR"_s, runtimeFolder);
+        process.setProcessEnvironment(environment);
+        process.start(QString::fromLocal8Bit(INSTANCE_PROBE), arguments);
+    }
+    ~Start()
+    {
+        process.kill();
+        process.waitForFinished();
+    }
+
+    /// The next line it prints; empty when none comes within 5 s.
+    QString line()
+    {
+        while (!process.canReadLine()) {
+            if (!process.waitForReadyRead(5000))
+                return {};
+        }
+        return QString::fromUtf8(process.readLine()).trimmed();
+    }
+
+    QProcess process;
+};
+
+QByteArray lengthOf(quint32 length)
+{
+    QByteArray bytes(4, Qt::Uninitialized);
+    qToBigEndian(length, bytes.data());
+    return bytes;
+}
+
+} // namespace
+
+class tst_SingleInstance : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_runtime = std::make_unique<QTemporaryDir>();
+        QVERIFY(m_runtime->isValid());
+    }
+
+    void laterStartHandsOver()
+    {
+        Start first(m_runtime->path());
+        QCOMPARE(first.line(), u"first"_s);
+        const QStringList arguments{u"quorvel://auth?code=1"_s, u"два слова"_s};
+        Start second(m_runtime->path(), arguments);
+        QCOMPARE(second.line(), u"handed over"_s);
+        QVERIFY(second.process.waitForFinished());
+        QCOMPARE(second.process.exitCode(), 0);
+        QCOMPARE(first.line(), u"again quorvel://auth?code=1|два слова"_s);
+    }
+
+    void simultaneousStartsLeaveOne()
+    {
+        std::vector<std::unique_ptr<Start>> starts;
+        for (int index = 0; index < 6; ++index)
+            starts.push_back(std::make_unique<Start>(m_runtime->path()));
+        int firsts = 0;
+        int handedOver = 0;
+        for (const auto &start : starts) {
+            const auto line = start->line();
+            firsts += line == u"first";
+            handedOver += line == u"handed over";
+        }
+        QCOMPARE(firsts, 1);
+        QCOMPARE(handedOver, 5);
+    }
+
+    void killedProgramIsNoObstacle()
+    {
+        {
+            Start killed(m_runtime->path());
+            QCOMPARE(killed.line(), u"first"_s);
+        }
+        QVERIFY(QFile::exists(m_runtime->filePath(u"quorvel/socket"_s))); // left behind
+        Start next(m_runtime->path());
+        QCOMPARE(next.line(), u"first"_s);
+    }
+
+    void silentHolderIsGivenUp()
+    {
+        QVERIFY(mkdir(QFile::encodeName(m_runtime->filePath(u"quorvel"_s)).constData(), 0700) == 0);
+        const auto lockPath = QFile::encodeName(m_runtime->filePath(u"quorvel/lock"_s));
+        const int lock = open(lockPath.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+        QVERIFY(lock >= 0 && flock(lock, LOCK_EX) == 0);
+        QElapsedTimer stopwatch;
+        stopwatch.start();
+        Start start(m_runtime->path());
+        QVERIFY(start.process.waitForFinished(8000));
+        QCOMPARE(start.process.exitCode(), 1);
+        QVERIFY(stopwatch.elapsed() > 2500 && stopwatch.elapsed() < 5000);
+        QVERIFY(start.process.readAllStandardError().contains("does not answer"));
+        ::close(lock);
+    }
+
+    void nonsenseIsTurnedAway_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("too long") << lengthOf(longestHandOver + 1);
+        QTest::newRow("no list") << lengthOf(2) + "{}";
+        QTest::newRow("no texts") << lengthOf(3) + "[1]";
+        QTest::newRow("more than said") << lengthOf(2) + "[]x";
+    }
+
+    void nonsenseIsTurnedAway()
+    {
+        QFETCH(QByteArray, bytes);
+        Start first(m_runtime->path());
+        QCOMPARE(first.line(), u"first"_s);
+        QLocalSocket socket;
+        socket.connectToServer(m_runtime->filePath(u"quorvel/socket"_s));
+        QVERIFY(socket.waitForConnected());
+        socket.write(bytes);
+        QVERIFY(socket.state() == QLocalSocket::UnconnectedState || socket.waitForDisconnected(3000));
+        QCOMPARE(socket.readAll(), QByteArray());
+        Start second(m_runtime->path());
+        QCOMPARE(second.line(), u"handed over"_s); // the first one is none the worse
+        QCOMPARE(first.line(), u"again"_s);
+    }
+
+    void otherUserIsTurnedAway()
+    {
+        if (geteuid() != 0)
+            QSKIP("only root can become another user");
+        Start first(m_runtime->path());
+        QCOMPARE(first.line(), u"first"_s);
+        // Doors that are never open like this, to reach the check behind them.
+        for (const auto &path : {m_runtime->path(), m_runtime->filePath(u"quorvel"_s)})
+            QVERIFY(chmod(QFile::encodeName(path).constData(), 0711) == 0);
+        const auto socket = QFile::encodeName(m_runtime->filePath(u"quorvel/socket"_s));
+        QVERIFY(chmod(socket.constData(), 0777) == 0);
+
+        QProcess stranger;
+        const auto script = u"import socket,sys\n"
+                            "s = socket.socket(socket.AF_UNIX)\n"
+                            "s.connect(sys.argv[1])\n"
+                            "s.settimeout(5)\n"
+                            "try:\n"
+                            "    s.sendall(b'\\0\\0\\0\\2[]')\n"
+                            "    answer = s.recv(1)\n"
+                            "except ConnectionError:\n"
+                            "    answer = b''\n"
+                            "print('answer', answer)\n"_s;
+        stranger.start(u"setpriv"_s, {u"--reuid=65534"_s, u"--regid=65534"_s, u"--clear-groups"_s,
+                                      u"/usr/bin/python3"_s, u"-c"_s, script, QFile::decodeName(socket)});
+        QVERIFY(stranger.waitForFinished());
+        const auto complaint = stranger.readAllStandardError();
+        QVERIFY2(complaint.isEmpty(), complaint.constData());
+        QCOMPARE(stranger.readAllStandardOutput().trimmed(), QByteArray("answer b''"));
+        QVERIFY(!first.process.canReadLine());
+        QByteArray said;
+        QTRY_VERIFY((said += first.process.readAllStandardError()).contains("another user"));
+    }
+
+    void unsafeFolderIsRefused_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QByteArray>("says");
+        QTest::newRow("symbolic link") << u"link"_s << QByteArray("symbolic link");
+        QTest::newRow("open to others") << u"open"_s << QByteArray("other users have access");
+        QTest::newRow("file") << u"file"_s << QByteArray("not a folder");
+        if (geteuid() == 0)
+            QTest::newRow("another user's") << u"owner"_s << QByteArray("another user");
+    }
+
+    void unsafeFolderIsRefused()
+    {
+        QFETCH(QString, kind);
+        QFETCH(QByteArray, says);
+        const auto path = QFile::encodeName(m_runtime->filePath(u"quorvel"_s));
+        if (kind == u"link") {
+            QVERIFY(mkdir((path + ".real").constData(), 0700) == 0);
+            QVERIFY(symlink((path + ".real").constData(), path.constData()) == 0);
+        } else if (kind == u"file") {
+            QFile file(QFile::decodeName(path));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+        } else {
+            QVERIFY(mkdir(path.constData(), 0700) == 0);
+            if (kind == u"open")
+                QVERIFY(chmod(path.constData(), 0750) == 0);
+            else
+                QVERIFY(chown(path.constData(), 65534, 65534) == 0);
+        }
+        Start start(m_runtime->path());
+        QVERIFY(start.process.waitForFinished());
+        QCOMPARE(start.process.exitCode(), 2);
+        QVERIFY(start.process.readAllStandardError().contains(says));
+    }
+
+    void withoutRuntimeFolder()
+    {
+        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_runtime->filePath(u"missing"_s)));
+        const auto folder = instanceFolder();
+        qunsetenv("XDG_RUNTIME_DIR");
+        QVERIFY2(folder.ok(), folder ? "" : qPrintable(folder.reason()));
+        QCOMPARE(folder.value(), "/tmp/quorvel-" + QByteArray::number(geteuid()));
+        struct stat status;
+        QVERIFY(lstat(folder.value().constData(), &status) == 0);
+        QCOMPARE(status.st_mode & 07777, mode_t(0700));
+    }
+
+private:
+    std::unique_ptr<QTemporaryDir> m_runtime;
+};
+
+QTEST_GUILESS_MAIN(tst_SingleInstance)
+#include "tst_SingleInstance.moc"

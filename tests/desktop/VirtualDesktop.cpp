@@ -1,0 +1,92 @@
+#include "VirtualDesktop.h"
+
+#include <QDir>
+#include <QFile>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The first line that a program prints; empty when none comes within 10 s.
+QString firstLine(QProcess &process)
+{
+    while (!process.canReadLine()) {
+        if (!process.waitForReadyRead(10000))
+            return {};
+    }
+    return QString::fromUtf8(process.readLine()).trimmed();
+}
+
+void end(QProcess &process)
+{
+    if (process.state() == QProcess::NotRunning)
+        return;
+    process.terminate();
+    if (!process.waitForFinished(3000)) {
+        process.kill();
+        process.waitForFinished();
+    }
+}
+
+} // namespace
+
+VirtualDesktop::VirtualDesktop()
+    : m_environment(QProcessEnvironment::systemEnvironment())
+{
+    for (const auto &name : {u"WAYLAND_DISPLAY"_s, u"DESKTOP_STARTUP_ID"_s, u"QT_QPA_PLATFORM"_s,
+                             u"SESSION_MANAGER"_s, u"XDG_CURRENT_DESKTOP"_s})
+        m_environment.remove(name);
+    const std::pair<QString, QString> folders[] = {{u"HOME"_s, u"home"_s},
+                                                   {u"XDG_CONFIG_HOME"_s, u"config"_s},
+                                                   {u"XDG_DATA_HOME"_s, u"data"_s},
+                                                   {u"XDG_RUNTIME_DIR"_s, u"run"_s}};
+    for (const auto &[variable, name] : folders) {
+        QDir().mkpath(filePath(name));
+        m_environment.insert(variable, filePath(name));
+    }
+    QFile::setPermissions(filePath(u"run"_s), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    m_works = startServer() && startBus();
+}
+
+VirtualDesktop::~VirtualDesktop()
+{
+    end(m_manager);
+    end(m_bus);
+    end(m_server);
+}
+
+bool VirtualDesktop::startServer()
+{
+    m_server.start(u"Xvfb"_s, {u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, u"1400x1000x24"_s,
+                               u"-nolisten"_s, u"tcp"_s});
+    const auto number = firstLine(m_server);
+    if (number.isEmpty())
+        return false;
+    m_environment.insert(u"DISPLAY"_s, u":"_s + number);
+    m_manager.setProcessEnvironment(m_environment);
+    m_manager.start(u"openbox"_s, {});
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        if (run(u"xprop"_s, {u"-root"_s, u"_NET_SUPPORTING_WM_CHECK"_s}).contains(u"window id"_s))
+            return true;
+        m_manager.waitForFinished(50);
+    }
+    return false;
+}
+
+bool VirtualDesktop::startBus()
+{
+    m_bus.setProcessEnvironment(m_environment);
+    m_bus.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address"_s});
+    const auto address = firstLine(m_bus);
+    m_environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, address);
+    return !address.isEmpty();
+}
+
+QString VirtualDesktop::run(const QString &program, const QStringList &arguments) const
+{
+    QProcess process;
+    process.setProcessEnvironment(m_environment);
+    process.start(program, arguments);
+    process.waitForFinished(5000);
+    return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+}

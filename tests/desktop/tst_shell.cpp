@@ -1,0 +1,152 @@
+// The whole program on a desktop of its own: its window, its status item, and how it starts again and ends.
+#include "StatusWatcher.h"
+#include "VirtualDesktop.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+class tst_shell : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<VirtualDesktop> m_desktop;
+    std::unique_ptr<StatusWatcher> m_watcher;
+    std::unique_ptr<QProcess> m_program;
+
+    void startProgram(QProcess &process, const QStringList &arguments = {})
+    {
+        process.setProcessEnvironment(m_desktop->environment());
+        process.start(QString::fromLocal8Bit(QUORVEL_PROGRAM), arguments);
+    }
+
+    /// The main window as the X server knows it while it can be seen; empty else.
+    QString window() const
+    {
+        return m_desktop->run(u"xdotool"_s, {u"search"_s, u"--onlyvisible"_s, u"--name"_s, u"^Quorvel$"_s});
+    }
+
+    QString activeTitle() const
+    {
+        return m_desktop->run(u"xdotool"_s, {u"getactivewindow"_s, u"getwindowname"_s});
+    }
+
+    void closeWindow() const { m_desktop->run(u"xdotool"_s, {u"key"_s, u"alt+F4"_s}); }
+
+    QString title() const { return m_watcher->toolTip(); }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_desktop = std::make_unique<VirtualDesktop>();
+        QVERIFY2(m_desktop->works(), "Xvfb, openbox, xprop and dbus-daemon are needed");
+        QDir().mkpath(m_desktop->filePath(u"config/quorvel"_s));
+        QFile preferences(m_desktop->filePath(u"config/quorvel/preferences"_s));
+        QVERIFY(preferences.open(QIODevice::WriteOnly));
+        preferences.write("accessMode = \"guest\"\n");
+        preferences.close();
+        m_watcher = std::make_unique<StatusWatcher>(m_desktop->busAddress());
+        QVERIFY(m_watcher->works());
+        m_program = std::make_unique<QProcess>();
+        startProgram(*m_program);
+        QTRY_VERIFY_WITH_TIMEOUT(!window().isEmpty(), 10000);
+        QTRY_COMPARE(activeTitle(), u"Quorvel"_s);
+        QTRY_COMPARE(m_watcher->items().size(), 1);
+    }
+
+    void cleanup()
+    {
+        if (m_program && m_program->state() != QProcess::NotRunning) {
+            m_program->kill();
+            m_program->waitForFinished();
+        }
+        m_program.reset();
+        m_watcher.reset();
+        m_desktop.reset();
+    }
+
+    void windowHasTitleSizeAndPlace()
+    {
+        const auto geometry =
+            m_desktop->run(u"xdotool"_s, {u"getwindowgeometry"_s, u"--shell"_s, window()}).split(u'\n');
+        QVERIFY(geometry.contains(u"WIDTH=1180"_s));
+        QVERIFY(geometry.contains(u"HEIGHT=820"_s));
+        const int left = geometry.filter(u"X="_s).value(0).mid(2).toInt();
+        QVERIFY2(qAbs(left - 110) <= 10,
+                 qPrintable(QString::number(left))); // centred on 1400, but for its frame
+        const auto hints = m_desktop->run(u"xprop"_s, {u"-id"_s, window(), u"WM_NORMAL_HINTS"_s});
+        QVERIFY(hints.contains(u"minimum size: 900 by 640"_s));
+    }
+
+    void closedWindowComesBackAndProgramLives()
+    {
+        closeWindow();
+        QTRY_VERIFY(window().isEmpty());
+        QCOMPARE(m_program->state(), QProcess::Running);
+        QCOMPARE(title(), u"QV Ready"_s);
+        QVERIFY(m_watcher->pressEntry(u"Show Quorvel"_s));
+        QTRY_COMPARE(activeTitle(), u"Quorvel"_s);
+
+        closeWindow();
+        QTRY_VERIFY(window().isEmpty());
+        QProcess second;
+        startProgram(second, {u"https://example.org"_s}); // raises the window whatever it carries
+        QVERIFY(second.waitForFinished());
+        QCOMPARE(second.exitCode(), 0);
+        QTRY_COMPARE(activeTitle(), u"Quorvel"_s);
+
+        closeWindow();
+        QTRY_VERIFY(window().isEmpty());
+        m_watcher->activate();
+        QTRY_COMPARE(activeTitle(), u"Quorvel"_s);
+    }
+
+    void statusItemTellsAndCommands()
+    {
+        QCOMPARE(title(), u"QV Ready"_s);
+        QCOMPARE(m_watcher->menuLabels(), QStringList({u"Show Quorvel"_s, u"Start Study"_s, u"Lock Now"_s,
+                                                       u"Stop Quorvel"_s, u"-"_s, u"Quit"_s}));
+        closeWindow();
+        QTRY_VERIFY(window().isEmpty());
+        QVERIFY(m_watcher->pressEntry(u"Lock Now"_s));
+        QTRY_COMPARE(title(), u"QV Locked"_s);
+        QVERIFY(m_watcher->pressEntry(u"Stop Quorvel"_s));
+        QTRY_COMPARE(title(), u"QV Ready"_s);
+        QVERIFY(window().isEmpty());
+        QVERIFY(m_watcher->pressEntry(u"Start Study"_s));
+        QTRY_VERIFY(title().startsWith(u"QV 2"_s)); // "QV 25:00" and falling, or paused there
+        QTRY_COMPARE(activeTitle(), u"Quorvel"_s);
+        QVERIFY(m_watcher->pressEntry(u"Quit"_s));
+        QVERIFY(m_program->waitForFinished(3000));
+        QCOMPARE(m_program->exitCode(), 0);
+    }
+
+    void keysCommand()
+    {
+        m_desktop->run(u"xdotool"_s, {u"key"_s, u"ctrl+l"_s});
+        QTRY_COMPARE(title(), u"QV Locked"_s);
+        m_desktop->run(u"xdotool"_s, {u"key"_s, u"ctrl+s"_s});
+        QTRY_VERIFY(title().startsWith(u"QV 2"_s));
+        m_desktop->run(u"xdotool"_s, {u"key"_s, u"ctrl+q"_s});
+        QVERIFY(m_program->waitForFinished(3000));
+        QCOMPARE(m_program->exitCode(), 0);
+    }
+
+    void terminationSignalEndsPromptly()
+    {
+        QElapsedTimer stopwatch;
+        stopwatch.start();
+        m_program->terminate();
+        QVERIFY(m_program->waitForFinished(3000));
+        QVERIFY2(stopwatch.elapsed() < 1500, qPrintable(QString::number(stopwatch.elapsed())));
+        QCOMPARE(m_program->exitStatus(), QProcess::NormalExit);
+        QCOMPARE(m_program->exitCode(), 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_shell)
+#include "tst_shell.moc"
