@@ -18,6 +18,7 @@ SIZE = "360x110"
 PLACE = ("900", "760")
 # Where the pointer is: on Quorvel's page, away from its buttons.
 HANDS_X, HANDS_Y = 640, 480
+SECONDS_TO_DRAW = 0.4  # the accessible texts are ahead of the pixels, which a processor draws here
 FEWEST_COLOURS = 300  # a window that was not drawn has a handful
 
 
@@ -27,6 +28,7 @@ class Stage:
         self._program = program
         self._decoy = decoy
         self._pictures = 0
+        self._shown = None  # what the last picture shows
 
     def install_applications(self):
         """Puts each application into the private home, with a menu entry, as an installer would."""
@@ -91,13 +93,17 @@ class Stage:
         self._desktop.run("xdotool", "mousemove", str(HANDS_X), str(HANDS_Y), "click", "--repeat", "15", "--delay", "5", button)
 
     def picture(self, name):
-        """Takes NN-name.png of the whole screen; fails where nothing was drawn."""
+        """Takes NN-name.png of the whole screen; fails where nothing was drawn or nothing has changed."""
         self._pictures += 1
         path = self._desktop.folder / f"{self._pictures:02}-{name}.png"
+        time.sleep(SECONDS_TO_DRAW)
         self._desktop.run("import", "-silent", "-window", "root", str(path))
-        colours = int(self._desktop.run("identify", "-format", "%k", str(path)))
-        if colours < FEWEST_COLOURS:
+        colours, content = self._desktop.run("identify", "-format", "%k %#", str(path)).split()
+        if int(colours) < FEWEST_COLOURS:
             raise StepFailed(f"{path.name} shows only {colours} colours: the window is not drawn")
+        if content == self._shown:
+            raise StepFailed(f"{path.name} shows the same as the picture before: the window is not drawn anew")
+        self._shown = content
         return path.name
 
 
