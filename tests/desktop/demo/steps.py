@@ -173,7 +173,8 @@ def leave_steam_alone(stage, report):
     with report.step("Steam in the break", "entertainment is allowed: Steam stays") as step:
         steam = stage.open("Steam")
         time.sleep(GRACE + 2)
-        step.check(steam.poll() is None, f"Steam still runs after {GRACE + 2:.0f} s")
+        step.check(steam.poll() is None, f"Steam still runs after {GRACE + 2:.0f} s" if steam.returncode is None
+                   else f"Steam ended with {steam.returncode}")
         step.saw(stage.window.wait_for(r"Break is active\. Entertainment is allowed\.", 2))
         step.saw(stage.picture("steam-in-the-break"))
         stage.scroll_to_end()
