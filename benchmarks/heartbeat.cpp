@@ -89,7 +89,7 @@ int main(int count, char **words)
     const auto taken = measure(controller, applications, idle);
     const double plain = quantile(taken.plainScan, 0.5);
     Figures figures;
-    figures.hold("heartbeat among 400 processes, median", quantile(taken.heartbeat, 0.5) / plain,
+    figures.hold("heartbeat among 400 processes, median share", quantile(taken.heartbeat, 0.5) / plain,
                  "a plain scan of every process (stat, cmdline, exe, cgroup)", largestShare);
     figures.report("heartbeat among 400 processes, median", quantile(taken.heartbeat, 0.5), "ms", "nothing");
     figures.report("heartbeat among 400 processes, 95th percentile", quantile(taken.heartbeat, 0.95), "ms",

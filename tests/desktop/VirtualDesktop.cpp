@@ -66,7 +66,7 @@ bool VirtualDesktop::startServer()
     m_manager.setProcessEnvironment(m_environment);
     m_manager.start(u"openbox"_s, {});
     for (int attempt = 0; attempt < 100; ++attempt) {
-        if (run(u"xprop"_s, {u"-root"_s, u"_NET_SUPPORTING_WM_CHECK"_s}).contains(u"window id"_s))
+        if (!run(u"xdotool"_s, {u"get_num_desktops"_s}).isEmpty()) // a window manager says it
             return true;
         m_manager.waitForFinished(50);
     }

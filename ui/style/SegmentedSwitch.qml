@@ -32,7 +32,7 @@ FocusScope {
         Repeater {
             model: control.labels
 
-            AbstractButton {
+            RadioButton { // by its role; the choice itself is the owner's
                 id: segment
 
                 required property int index
@@ -43,11 +43,14 @@ FocusScope {
                 width: parent ? (parent as Row).width / control.labels.length : 0
                 height: parent ? (parent as Row).height : 0
                 text: modelData
+                checkable: false
+                autoExclusive: false
+                indicator: null
+                padding: 0
                 hoverEnabled: false
                 focusPolicy: Qt.StrongFocus
                 activeFocusOnTab: true
 
-                Accessible.role: Accessible.RadioButton
                 Accessible.name: text
                 Accessible.checkable: true
                 Accessible.checked: current

@@ -54,7 +54,7 @@ Item {
         anchors.fill: parent
         visible: GraphicsInfo.api === GraphicsInfo.Software
         radius: surface.radius
-        color: surface.startColor.a > 0.15 ? surface.startColor : surface.baseColor
+        color: surface.baseColor.a > 0 ? surface.baseColor : surface.startColor
         border.width: surface.outlineWidth
         border.color: surface.outlineColor
     }
