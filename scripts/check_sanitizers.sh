@@ -14,4 +14,4 @@ if ! said=$({ g++ -fsanitize=address,undefined "$probe.cpp" -o "$probe" && "$pro
 fi
 
 build_preset asan
-ctest --preset asan --parallel "$(nproc)" --label-exclude heavy
+privately ctest --preset asan --parallel "$(nproc)" --label-exclude heavy
