@@ -4,6 +4,7 @@
 #include "TerminationSignals.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QLoggingCategory>
 #include <QMessageBox>
 #include <QtQml/qqmlextensionplugin.h>
@@ -45,9 +46,10 @@ int giveUp(int &argc, char **argv, const QString &reason)
 int runProgram(int &argc, char **argv, SingleInstance &instance, const QStringList &arguments)
 {
     QApplication application(argc, argv);
-    QApplication::setApplicationName(u"quorvel"_s);
+    QApplication::setApplicationName(u"Quorvel"_s); // also the class of the window, by which X11 names it
     QApplication::setApplicationDisplayName(u"Quorvel"_s);
     QApplication::setDesktopFileName(u"quorvel"_s);
+    QApplication::setWindowIcon(QIcon(u":/quorvel/quorvel.svg"_s));
     QApplication::setQuitOnLastWindowClosed(false);
 
     AppDelegate delegate(choosePlatform());

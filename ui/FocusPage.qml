@@ -4,7 +4,8 @@ import QtQuick
 import QtQuick.Layouts
 import Quorvel.Ui
 
-/// The session: its clock and commands, what was reached, what is seen of the desktop, and what happened.
+/// The session: its clock and commands, what was reached, what is seen of the desktop, what happened, and what
+/// cannot be seen here.
 ColumnLayout {
     id: page
 
@@ -99,14 +100,14 @@ ColumnLayout {
         }
     }
 
+    RecentEvents {
+        Layout.fillWidth: true
+        controller: page.controller
+    }
+
     DesktopLimits {
         Layout.fillWidth: true
         controller: page.controller
         desktopSupport: page.desktopSupport
-    }
-
-    RecentEvents {
-        Layout.fillWidth: true
-        controller: page.controller
     }
 }
