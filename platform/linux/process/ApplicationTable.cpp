@@ -14,6 +14,7 @@ Q_LOGGING_CATEGORY(logProcess, "quorvel.platform.process", QtInfoMsg)
 ApplicationTable::ApplicationTable(const ApplicationPlaces &places)
     : m_processes(places.processRoot, places.user)
     , m_index(places.desktop)
+    , m_display(places.display)
 {}
 
 void ApplicationTable::setWindows(std::vector<WindowFacts> windows,
@@ -93,7 +94,7 @@ void ApplicationTable::kill(const ApplicationGroup &group)
 
 void ApplicationTable::regroup()
 {
-    m_groups = groupApplications(m_processes.processes(), m_windows, m_session, m_index);
+    m_groups = groupApplications(m_processes.processes(), m_windows, m_session, m_index, m_display);
     m_groupedRevision = m_processes.revision();
     m_groupOf.clear();
     std::vector<ProcessKey> watched;

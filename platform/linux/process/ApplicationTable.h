@@ -11,6 +11,7 @@ struct ApplicationPlaces
 {
     QString processRoot = QStringLiteral("/proc"); ///< another one is a picture: nothing in it is signalled
     uid_t user = geteuid();
+    QString display; ///< of this session, as displayName() gives it; empty: of whichever
     DesktopPlaces desktop = DesktopPlaces::ofThisUser();
 };
 
@@ -62,6 +63,7 @@ private:
 
     ProcessTable m_processes;
     DesktopIndex m_index;
+    QString m_display;
     std::vector<WindowFacts> m_windows;
     std::unordered_set<qint32> m_session;
     std::vector<ApplicationGroup> m_groups;

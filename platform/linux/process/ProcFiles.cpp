@@ -1,5 +1,7 @@
 #include "ProcFiles.h"
 
+#include "displayName.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -200,6 +202,8 @@ void ProcFiles::readEnvironment(ProcessFacts &facts) const
             launchedAs = value.toInt();
         else if (name == "CHROME_DESKTOP")
             facts.chromeDesktop = desktopIdOfFile(QFile::decodeName(value));
+        else if (name == "DISPLAY")
+            facts.display = displayName(value);
         else if (name == "APPIMAGE")
             facts.appImage = QFile::decodeName(value);
         else if (name == "APPDIR")

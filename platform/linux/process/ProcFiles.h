@@ -48,6 +48,7 @@ struct ProcessFacts
     QString flatpakId;
     QString launchedId;    ///< desktop id that this very process was launched as, else empty
     QString chromeDesktop; ///< desktop id a Chromium wrapper script named; children inherit it
+    QString display;       ///< X display it was started on, as displayName() gives it; else empty
     QString appImage;      ///< path of the AppImage it was unpacked from
 };
 

@@ -65,10 +65,11 @@ class Grouping
 public:
     Grouping(const std::unordered_map<qint32, ProcessFacts> &processes,
              const std::vector<WindowFacts> &windows, const std::unordered_set<qint32> &sessionProcesses,
-             const DesktopIndex &index)
+             const DesktopIndex &index, const QString &display)
         : m_processes(processes)
         , m_session(sessionProcesses)
         , m_index(index)
+        , m_display(display)
     {
         for (const auto &window : windows)
             takeWindow(window);
@@ -135,6 +136,8 @@ private:
         const auto window = m_windows.find(process.id);
         const bool hasWindow =
             window != m_windows.end() && startOf(process.state.startTime) <= window->second.seen;
+        if (!hasWindow && isOfAnotherSession(process))
+            return none;
         auto match = matchProcess(process, m_index);
         if (hasWindow && window->second.match.evidence > match.evidence)
             match = window->second.match;
@@ -154,6 +157,11 @@ private:
         if (group != none && hasWindow)
             noteWindow(m_drafts[size_t(group)], window->second);
         return group;
+    }
+
+    bool isOfAnotherSession(const ProcessFacts &process) const
+    {
+        return !m_display.isEmpty() && !process.display.isEmpty() && process.display != m_display;
     }
 
     /// The group of the parent, unless the process runs inside a terminal that the parent opened.
@@ -261,6 +269,7 @@ private:
     const std::unordered_map<qint32, ProcessFacts> &m_processes;
     const std::unordered_set<qint32> &m_session;
     const DesktopIndex &m_index;
+    const QString &m_display;
     std::unordered_map<qint32, WindowEvidence> m_windows;
     std::unordered_map<qint32, int> m_groupOf;
     QHash<QString, int> m_groupOfScope;
@@ -272,9 +281,9 @@ private:
 std::vector<ApplicationGroup> groupApplications(const std::unordered_map<qint32, ProcessFacts> &processes,
                                                 const std::vector<WindowFacts> &windows,
                                                 const std::unordered_set<qint32> &sessionProcesses,
-                                                const DesktopIndex &index)
+                                                const DesktopIndex &index, const QString &display)
 {
-    return Grouping(processes, windows, sessionProcesses, index).groups();
+    return Grouping(processes, windows, sessionProcesses, index, display).groups();
 }
 
 DesktopMatch matchWindow(const WindowFacts &window, const DesktopIndex &index)

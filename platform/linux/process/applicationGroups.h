@@ -33,11 +33,13 @@ struct ApplicationGroup
 
 /// Makes applications of processes and windows: each process belongs to its nearest ancestor that is one,
 /// unless it is another itself or runs inside a terminal of it. Ordered by the start of the main processes.
-/// `sessionProcesses` are parts of the session whatever they are called.
+/// `sessionProcesses` are parts of the session whatever they are called. A process that was started on
+/// another display than `display` and has no window here belongs to another session; empty: all displays are
+/// this one.
 std::vector<ApplicationGroup> groupApplications(const std::unordered_map<qint32, ProcessFacts> &processes,
                                                 const std::vector<WindowFacts> &windows,
                                                 const std::unordered_set<qint32> &sessionProcesses,
-                                                const DesktopIndex &index);
+                                                const DesktopIndex &index, const QString &display);
 
 /// The entry that a window names or carries the class of.
 DesktopMatch matchWindow(const WindowFacts &window, const DesktopIndex &index);

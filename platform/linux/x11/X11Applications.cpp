@@ -10,13 +10,19 @@ namespace {
 
 Q_LOGGING_CATEGORY(logX11, "quorvel.platform.x11", QtInfoMsg)
 
+ApplicationPlaces onDisplay(ApplicationPlaces places, const QString &display)
+{
+    places.display = display;
+    return places;
+}
+
 } // namespace
 
 X11Applications::X11Applications(std::shared_ptr<X11Connection> connection, const ApplicationPlaces &places,
                                  OwnQuit ownQuit)
     : m_connection(std::move(connection))
     , m_windows(m_connection)
-    , m_table(std::make_shared<ApplicationTable>(places))
+    , m_table(std::make_shared<ApplicationTable>(onDisplay(places, m_connection->display())))
     , m_ownQuit(std::move(ownQuit))
 {}
 

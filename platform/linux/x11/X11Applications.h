@@ -10,9 +10,10 @@
 
 /// The applications of an X11 desktop, from its windows and /proc together. All calls on one thread.
 ///
-/// Without a window manager nothing is known to be frontmost. An application whose process is not known
-/// (another host's, another user's) is not listed, since it cannot be ended; frontmost() still names it, with
-/// the process number 0.
+/// A program that was started on another display and has no window on this one belongs to another session of
+/// the user and is not listed. Without a window manager nothing is known to be frontmost. An application
+/// whose process is not known (another host's, another user's) is not listed, since it cannot be ended;
+/// frontmost() still names it, with the process number 0.
 class X11Applications : public RunningApplications
 {
 public:

@@ -1,5 +1,7 @@
 #include "X11Connection.h"
 
+#include "displayName.h"
+
 #include <QLoggingCategory>
 
 #include <array>
@@ -55,6 +57,7 @@ qint32 peerProcess(int socket)
 X11Connection::X11Connection(const QString &display)
 {
     const auto name = display.toLocal8Bit();
+    m_display = displayName(name.isEmpty() ? qgetenv("DISPLAY") : name);
     int screen = 0;
     m_connection = xcb_connect(name.isEmpty() ? nullptr : name.constData(), &screen);
     m_lost = xcb_connection_has_error(m_connection) != 0;

@@ -48,6 +48,7 @@ public:
     bool usable();
 
     xcb_connection_t *handle() const { return m_connection; }
+    QString display() const { return m_display; } ///< as displayName() gives it
     xcb_window_t root() const { return m_root; }
     const X11Atoms &atoms() const { return m_atoms; }
     qint32 serverProcess() const { return m_serverProcess; } ///< 0 where it is not on this machine
@@ -74,6 +75,7 @@ private:
     void noteLost();
 
     xcb_connection_t *m_connection = nullptr;
+    QString m_display;
     xcb_window_t m_root = 0;
     X11Atoms m_atoms;
     qint32 m_serverProcess = 0;

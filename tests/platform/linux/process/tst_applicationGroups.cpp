@@ -1,4 +1,5 @@
 #include "MadeSystem.h"
+#include "displayName.h"
 
 using namespace Qt::StringLiterals;
 
@@ -247,6 +248,41 @@ private Q_SLOTS:
         table.refresh();
         QCOMPARE(table.groups().size(), size_t(1));
         QCOMPARE(table.groups()[0].application.bundlePath, std::optional(bin("steam")));
+    }
+
+    void programsOfAnotherDisplayBelongToAnotherSession()
+    {
+        m_system->addProcess(
+            {.id = 100, .executable = bin("steam"), .environment = environmentOf({"DISPLAY=:7.0"})});
+        m_system->addProcess(
+            {.id = 200, .executable = bin("discord"), .environment = environmentOf({"DISPLAY=:8"})});
+        m_system->addProcess({.id = 300, .executable = bin("firefox")}); // started by a service, say
+        m_system->addProcess(
+            {.id = 400, .executable = bin("chromium"), .environment = environmentOf({"DISPLAY=:8"})});
+        auto places = m_system->places();
+        places.display = u":7"_s;
+        ApplicationTable table(places);
+        table.setWindows({{400, {}, {}, {}}}, {});
+        table.refresh();
+        QCOMPARE(summary(table), QStringList({u"100 Steam|steam:"_s, u"300 Firefox|firefox:"_s,
+                                              u"400 Chromium|chromium:"_s}));
+    }
+
+    void displaysAreComparedWithoutTheirScreen_data()
+    {
+        QTest::addColumn<QByteArray>("variable");
+        QTest::addColumn<QString>("display");
+        QTest::newRow("plain") << ":0"_ba << u":0"_s;
+        QTest::newRow("with a screen") << ":10.1"_ba << u":10"_s;
+        QTest::newRow("local transport") << "unix:0"_ba << u":0"_s;
+        QTest::newRow("another host") << "box.example.org:10.0"_ba << u"box.example.org:10"_s;
+        QTest::newRow("no colon") << "nonsense.1"_ba << u"nonsense.1"_s;
+        QTest::newRow("empty") << ""_ba << QString();
+    }
+    void displaysAreComparedWithoutTheirScreen()
+    {
+        QFETCH(QByteArray, variable);
+        QTEST(displayName(variable), "display");
     }
 };
 

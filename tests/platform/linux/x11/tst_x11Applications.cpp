@@ -129,6 +129,9 @@ private Q_SLOTS:
         begin();
         const auto id = m_desktop->start(
             u"many"_s, {u"--class"_s, u"Many"_s, u"--windows"_s, u"3"_s, u"--helpers"_s, u"2"_s});
+        X11Windows windows(std::make_shared<X11Connection>(m_desktop->display()));
+        QTRY_COMPARE((windows.update(), windows.windows().size()),
+                     size_t(3)); // the manager takes them in one by one
         QTRY_COMPARE(names(), QStringList{u"Many"_s});
         QCOMPARE(named(u"Many"_s)->processId, id);
         m_applications->terminate(*named(u"Many"_s));
@@ -236,6 +239,8 @@ private Q_SLOTS:
         QTRY_VERIFY(named(u"Reused"_s));
         const auto former = *named(u"Reused"_s);
         m_desktop->end(id);
+        QTest::qWait(30); // start times are counted in steps of 10 ms; numbers do not come back that fast by
+                          // themselves
         qputenv("DISPLAY", m_desktop->display().toLatin1());
         const auto program = QFile::encodeName(m_desktop->program(u"reused"_s));
         const auto newcomer = startAs(id, bySameApplication ? QList<QByteArray>{program, "--windows", "0"}
