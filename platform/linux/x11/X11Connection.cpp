@@ -21,6 +21,7 @@ Q_LOGGING_CATEGORY(logX11, "quorvel.platform.x11", QtInfoMsg)
 
 // A server on this machine answers within 0.1 ms; a second's heartbeat must not be held up by one that hangs.
 constexpr auto longestAnswer = 200ms;
+constexpr auto longestAnswerWhileOpening = 10s;
 
 struct AtomName
 {
@@ -72,6 +73,7 @@ X11Connection::X11Connection(const QString &display)
     m_serverProcess = peerProcess(xcb_get_file_descriptor(m_connection));
     learnAtoms();
     learnExtensions();
+    m_opening = false;
 }
 
 X11Connection::~X11Connection()
@@ -126,11 +128,13 @@ void *X11Connection::awaitReply(unsigned int sequence)
     if (m_lost)
         return nullptr;
     if (m_overdue) {
+        ++m_missedAnswers;
         xcb_discard_reply(m_connection, sequence);
         return nullptr;
     }
     flush();
-    const auto until = std::chrono::steady_clock::now() + longestAnswer;
+    const auto until =
+        std::chrono::steady_clock::now() + (m_opening ? longestAnswerWhileOpening : longestAnswer);
     while (!m_lost) {
         void *reply = nullptr;
         xcb_generic_error_t *error = nullptr;
@@ -144,6 +148,7 @@ void *X11Connection::awaitReply(unsigned int sequence)
             std::chrono::duration_cast<std::chrono::milliseconds>(until - std::chrono::steady_clock::now());
         if (left.count() <= 0) {
             m_overdue = sequence;
+            ++m_missedAnswers;
             qCWarning(logX11) << "the X server does not answer";
             return nullptr;
         }

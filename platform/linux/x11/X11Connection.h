@@ -63,6 +63,9 @@ public:
         return XcbPointer<Reply>(static_cast<Reply *>(awaitReply(sequence)));
     }
 
+    /// Grows with every answer that did not come in time: what was learnt from such a round is incomplete.
+    quint64 missedAnswers() const { return m_missedAnswers; }
+
     /// The next event that has arrived; none where there is none. Never waits.
     XcbPointer<xcb_generic_event_t> nextEvent();
 
@@ -82,5 +85,7 @@ private:
     bool m_hasScreenSaver = false;
     bool m_hasClientIds = false;
     bool m_lost = true;
+    bool m_opening = true; ///< what is learnt while opening is not asked for again
+    quint64 m_missedAnswers = 0;
     std::optional<unsigned int> m_overdue; ///< a request whose answer the server owes us
 };

@@ -85,6 +85,7 @@ bool X11Windows::update()
         takeEvent(*event);
     if (!m_connection->usable())
         return false;
+    const auto missed = m_connection->missedAnswers();
     const bool changed = m_managerStale || m_listStale || m_activeStale || !m_stale.empty();
     if (std::exchange(m_managerStale, false))
         readManager();
@@ -96,9 +97,11 @@ bool X11Windows::update()
     }
     if (std::exchange(m_activeStale, false))
         readActive();
-    // What was asked while the server fell silent is asked again when it speaks.
-    if (changed && !m_connection->usable())
+    // What was asked while the server fell silent is asked again, even if it speaks again by now.
+    if (missed != m_connection->missedAnswers()) {
+        m_windows.clear();
         m_managerStale = m_listStale = m_activeStale = true;
+    }
     return changed;
 }
 
