@@ -62,12 +62,10 @@ bool sendAll(int socket, const QByteArray &bytes, const QDeadlineTimer &deadline
     qsizetype sent = 0;
     while (sent < bytes.size()) {
         const auto step = send(socket, bytes.constData() + sent, size_t(bytes.size() - sent), MSG_NOSIGNAL);
-        if (step > 0)
-            sent += step;
-        else if (errno != EAGAIN && errno != EINTR)
+        const bool mayGoOn = step > 0 || errno == EAGAIN || errno == EINTR;
+        if (!mayGoOn || (step <= 0 && !waitFor(socket, POLLOUT, deadline)))
             return false;
-        else if (!waitFor(socket, POLLOUT, deadline))
-            return false;
+        sent += qMax<qsizetype>(step, 0);
     }
     return true;
 }
