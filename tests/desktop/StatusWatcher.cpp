@@ -21,10 +21,18 @@ QDBusMessage toItem(const QString &service, const QString &path, const QString &
     return message;
 }
 
+/// A name of its own each time: a connection goes only some time after it was told to, and the next one under
+/// its name would be the dying one.
+QString newConnectionName()
+{
+    static int count = 0;
+    return u"status watcher %1"_s.arg(++count);
+}
+
 } // namespace
 
 StatusWatcher::StatusWatcher(const QString &address)
-    : m_bus(QDBusConnection::connectToBus(address, u"status watcher"_s))
+    : m_bus(QDBusConnection::connectToBus(address, newConnectionName()))
 {
     m_works = m_bus.isConnected() &&
               m_bus.registerObject(u"/StatusNotifierWatcher"_s, this,
@@ -35,7 +43,7 @@ StatusWatcher::StatusWatcher(const QString &address)
 
 StatusWatcher::~StatusWatcher()
 {
-    QDBusConnection::disconnectFromBus(u"status watcher"_s);
+    QDBusConnection::disconnectFromBus(m_bus.name());
 }
 
 void StatusWatcher::RegisterStatusNotifierItem(const QString &service)
