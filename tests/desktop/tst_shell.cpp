@@ -41,12 +41,12 @@ private:
         return m_desktop->run(u"xdotool"_s, {u"getactivewindow"_s, u"getwindowname"_s});
     }
 
-    /// Whether the window is there to stay: a window manager takes a new one off the screen while it frames
-    /// it.
-    bool windowStands() const
+    /// Whether the window is there and active to stay: a window manager takes a new one off the screen while
+    /// it frames it.
+    bool windowStandsInFront() const
     {
         for (int look = 0; look < 5; ++look) {
-            if (window().isEmpty())
+            if (window().isEmpty() || activeTitle() != u"Quorvel")
                 return false;
             QTest::qWait(40);
         }
@@ -78,8 +78,7 @@ private Q_SLOTS:
         QVERIFY(m_watcher->works());
         m_program = std::make_unique<QProcess>();
         startProgram(*m_program);
-        QTRY_VERIFY_WITH_TIMEOUT(windowStands(), 10000);
-        QTRY_COMPARE(activeTitle(), u"Quorvel"_s);
+        QTRY_VERIFY_WITH_TIMEOUT(windowStandsInFront(), 10000);
         QTRY_COMPARE(m_watcher->items().size(), 1);
     }
 
@@ -112,18 +111,18 @@ private Q_SLOTS:
         QCOMPARE(m_program->state(), QProcess::Running);
         QCOMPARE(title(), u"QV Ready"_s);
         QVERIFY(m_watcher->pressEntry(u"Show Quorvel"_s));
-        QTRY_COMPARE(activeTitle(), u"Quorvel"_s);
+        QTRY_VERIFY(windowStandsInFront());
 
         QTRY_VERIFY(windowCloses());
         QProcess second;
         startProgram(second, {u"https://example.org"_s}); // raises the window whatever it carries
         QVERIFY(second.waitForFinished());
         QCOMPARE(second.exitCode(), 0);
-        QTRY_COMPARE(activeTitle(), u"Quorvel"_s);
+        QTRY_VERIFY(windowStandsInFront());
 
         QTRY_VERIFY(windowCloses());
         m_watcher->activate();
-        QTRY_COMPARE(activeTitle(), u"Quorvel"_s);
+        QTRY_VERIFY(windowStandsInFront());
     }
 
     void statusItemTellsAndCommands()
@@ -139,7 +138,7 @@ private Q_SLOTS:
         QVERIFY(window().isEmpty());
         QVERIFY(m_watcher->pressEntry(u"Start Study"_s));
         QTRY_VERIFY(title().startsWith(u"QV 2"_s)); // "QV 25:00" and falling, or paused there
-        QTRY_COMPARE(activeTitle(), u"Quorvel"_s);
+        QTRY_VERIFY(windowStandsInFront());
         QVERIFY(m_watcher->pressEntry(u"Quit"_s));
         QVERIFY(m_program->waitForFinished(3000));
         QCOMPARE(m_program->exitCode(), 0);
