@@ -78,7 +78,7 @@ private Q_SLOTS:
         QVERIFY(m_watcher->works());
         m_program = std::make_unique<QProcess>();
         startProgram(*m_program);
-        QTRY_VERIFY_WITH_TIMEOUT(windowStandsInFront(), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(windowStandsInFront(), 30000); // a busy machine with sanitizers is slow
         QTRY_COMPARE(m_watcher->items().size(), 1);
     }
 
