@@ -212,6 +212,8 @@ private:
     void countStudySecond();
     void tryUnlockBreakIfReady();
     void completeStudySession();
+    /// Goes to a mode in which no clock runs, and applies it at once.
+    void leaveClocks(Mode mode, const QString &event, const QString &status);
     void abandonSession();
     void forgetSession();
 

@@ -43,23 +43,22 @@ void QuorvelController::startStudy()
 
 void QuorvelController::lockNow()
 {
-    m_mode = Mode::Locked;
-    m_studyRemaining = checkedSeconds(config().studyMinutes, "study minutes");
-    m_breakRemaining = 0;
-    abandonSession();
-    addEvent(u"Locked manually."_s);
-    m_statusMessage = text(u"locked_status");
-    tick();
+    leaveClocks(Mode::Locked, u"Locked manually."_s, text(u"locked_status"));
 }
 
 void QuorvelController::stopQuorvel()
 {
-    m_mode = Mode::Ready;
+    leaveClocks(Mode::Ready, u"Quorvel stopped. Blocking is off."_s, text(u"ready_status"));
+}
+
+void QuorvelController::leaveClocks(Mode mode, const QString &event, const QString &status)
+{
+    m_mode = mode;
     m_studyRemaining = checkedSeconds(config().studyMinutes, "study minutes");
     m_breakRemaining = 0;
     abandonSession();
-    addEvent(u"Quorvel stopped. Blocking is off."_s);
-    m_statusMessage = text(u"ready_status");
+    addEvent(event);
+    m_statusMessage = status;
     tick();
 }
 

@@ -19,7 +19,7 @@ Q_LOGGING_CATEGORY(logX11, "quorvel.platform.x11", QtInfoMsg)
 
 constexpr uint32_t longestProperty = 256;      // in units of 4 bytes; names are below 100 bytes
 constexpr uint32_t longestWindowList = 16'384; // windows
-constexpr uint32_t fromPager = 2;              // source indication of the window manager specification
+constexpr uint32_t fromPager = 2;              // source indication of EWMH
 
 QByteArray thisHost()
 {
