@@ -57,8 +57,10 @@ VirtualDesktop::~VirtualDesktop()
 
 bool VirtualDesktop::startServer()
 {
+    // Abstract sockets are seen from every file system, so another system's server of that number could
+    // answer. A server that resets when its last client leaves takes with it whoever connects at that moment.
     m_server.start(u"Xvfb"_s, {u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, u"1400x1000x24"_s,
-                               u"-nolisten"_s, u"tcp"_s});
+                               u"-nolisten"_s, u"tcp"_s, u"-nolisten"_s, u"local"_s, u"-noreset"_s});
     const auto number = firstLine(m_server);
     if (number.isEmpty())
         return false;

@@ -94,7 +94,7 @@ class VirtualDesktop:
 
     def _start_parts(self):
         display = self._start_telling(
-            "xvfb", ["Xvfb", "-displayfd", "{fd}", "-screen", "0", SCREEN, "-nolisten", "tcp", "-noreset"])
+            "xvfb", ["Xvfb", "-displayfd", "{fd}", "-screen", "0", SCREEN, "-nolisten", "tcp", "-nolisten", "local", "-noreset"])
         self.environment["DISPLAY"] = f":{display}"
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = self._start_telling(
             "dbus", ["dbus-daemon", "--session", "--nofork", "--print-address={fd}"])

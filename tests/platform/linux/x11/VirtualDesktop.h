@@ -28,7 +28,8 @@ public:
         m_server = launch(QStringLiteral("Xvfb"),
                           {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
                            QStringLiteral("0"), QStringLiteral("800x600x24"), QStringLiteral("-ac"),
-                           QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+                           QStringLiteral("-nolisten"), QStringLiteral("tcp"), QStringLiteral("-nolisten"),
+                           QStringLiteral("local"), QStringLiteral("-noreset")});
         m_display = u':' + QString::fromLatin1(firstLine(*m_server));
         m_environment.insert(QStringLiteral("DISPLAY"), m_display);
         if (manager == Manager::Openbox)
