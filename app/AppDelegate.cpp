@@ -166,6 +166,8 @@ void AppDelegate::updateDesktopSupport()
     m_desktopSupport.setApplications(m_adapters.applications->availability());
     m_desktopSupport.setIdle(m_adapters.idle->availability());
     m_desktopSupport.setBrowsers(m_adapters.browsers->availability());
+    const auto coverage = m_adapters.coverage->coverage(m_adapters.applications->running());
+    m_desktopSupport.setBrowserCoverage({coverage.begin(), coverage.end()});
     m_desktopSupport.setStatusItem(statusItemAvailability());
 }
 

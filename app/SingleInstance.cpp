@@ -1,6 +1,7 @@
 #include "SingleInstance.h"
 
 #include "handOver.h"
+#include "socketPeer.h"
 
 #include <QDeadlineTimer>
 #include <QFile>

@@ -1,5 +1,7 @@
 #include "handOver.h"
 
+#include "socketPeer.h"
+
 #include <QDeadlineTimer>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -103,15 +105,6 @@ ReadHandOver readHandOver(const QByteArray &bytes)
         read.arguments.append(entry.toString());
     }
     return read;
-}
-
-std::optional<unsigned int> peerUser(int socket)
-{
-    ucred peer{};
-    socklen_t size = sizeof peer;
-    if (getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0 || size != sizeof peer)
-        return std::nullopt;
-    return peer.uid;
 }
 
 bool handOver(const QByteArray &path, const QStringList &arguments, std::chrono::milliseconds patience)

@@ -24,9 +24,6 @@ struct ReadHandOver
 };
 ReadHandOver readHandOver(const QByteArray &bytes);
 
-/// User of the process at the other end of a local socket; none where the system does not tell.
-std::optional<unsigned int> peerUser(int socket);
-
 /// Gives `arguments` to the program that listens at the socket `path`; true once it has confirmed. Waits
 /// `patience` at most. Needs no application object.
 bool handOver(const QByteArray &path, const QStringList &arguments, std::chrono::milliseconds patience);

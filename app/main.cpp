@@ -43,7 +43,8 @@ int giveUp(int &argc, char **argv, const QString &reason)
     return 1;
 }
 
-int runProgram(int &argc, char **argv, SingleInstance &instance, const QStringList &arguments)
+int runProgram(int &argc, char **argv, SingleInstance &instance, const QByteArray &folder,
+               const QStringList &arguments)
 {
     QApplication application(argc, argv);
     QApplication::setApplicationName(u"Quorvel"_s); // also the class of the window, by which X11 names it
@@ -52,7 +53,7 @@ int runProgram(int &argc, char **argv, SingleInstance &instance, const QStringLi
     QApplication::setWindowIcon(QIcon(u":/quorvel/quorvel.svg"_s));
     QApplication::setQuitOnLastWindowClosed(false);
 
-    AppDelegate delegate(choosePlatform());
+    AppDelegate delegate(choosePlatform(folder));
     TerminationSignals signalsOfTheSystem;
     QObject::connect(&signalsOfTheSystem, &TerminationSignals::asked, &delegate, &AppDelegate::quit);
     QObject::connect(&instance, &SingleInstance::startedAgain, &delegate, &AppDelegate::openUrls);
@@ -80,5 +81,5 @@ int main(int argc, char **argv)
         return giveUp(argc, argv, role.reason());
     if (role.value() == SingleInstance::Role::HandedOver)
         return 0;
-    return runProgram(argc, argv, instance, arguments);
+    return runProgram(argc, argv, instance, folder.value(), arguments);
 }

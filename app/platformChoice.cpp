@@ -1,8 +1,11 @@
 #include "platformChoice.h"
 
+#include "CompanionCoverage.h"
+#include "CompanionScripting.h"
+#include "CompanionServer.h"
+#include "FileCalls.h"
 #include "FolderRecordFiles.h"
 #include "NoApplications.h"
-#include "NoBrowserScripting.h"
 #include "NoIdle.h"
 #include "SystemClock.h"
 #include "TextPreferences.h"
@@ -10,8 +13,23 @@
 #include "X11Connection.h"
 #include "X11Idle.h"
 #include "baseFolders.h"
+#include "hostManifests.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QLoggingCategory>
+
+using namespace Qt::StringLiterals;
+
+Q_LOGGING_CATEGORY(lcPlatform, "quorvel.app.platform")
 
 namespace {
+
+/// What stands beside the program, installed or in a build folder. `name` counts from the prefix.
+QString installedPath(const QString &name)
+{
+    return QDir::cleanPath(QCoreApplication::applicationDirPath() + u"/../"_s + name);
+}
 
 /// On XWayland the X server knows neither the focus nor the idle time, so a Wayland session rules X11 out.
 bool isX11Session()
@@ -31,15 +49,33 @@ void chooseDesktop(PlatformAdapters &adapters)
     adapters.idle = std::make_unique<NoIdle>();
 }
 
+void chooseBrowsers(PlatformAdapters &adapters, const QByteArray &folder)
+{
+    auto server = std::make_unique<CompanionServer>(folder);
+    if (const auto listening = server->listen(); !listening)
+        qCWarning(lcPlatform).noquote() << "browsers cannot reach the program:" << listening.reason();
+    adapters.browsers = std::make_unique<CompanionScripting>(*server);
+    const auto tellBrowsersOfTheRelay = [] {
+        writeHostManifests(FileCalls::system(),
+                           hostManifestPlaces(installedPath(u"libexec/quorvel/quorvel-companion-relay"_s)));
+    };
+    tellBrowsersOfTheRelay();
+    const auto extension = installedPath(u"share/quorvel/companion"_s);
+    adapters.coverage = std::make_unique<CompanionCoverage>(
+        *server, CompanionCoverage::Places{extension, extension + u"/manifest.json"_s},
+        tellBrowsersOfTheRelay);
+    adapters.browserConnections = std::move(server);
+}
+
 } // namespace
 
-PlatformAdapters choosePlatform()
+PlatformAdapters choosePlatform(const QByteArray &folder)
 {
     PlatformAdapters adapters;
     adapters.clock = std::make_unique<SystemClock>();
     adapters.preferences = std::make_unique<TextPreferences>(preferencesFolder());
     adapters.files = std::make_unique<FolderRecordFiles>(dataFolder());
-    adapters.browsers = std::make_unique<NoBrowserScripting>();
+    chooseBrowsers(adapters, folder);
     chooseDesktop(adapters);
     return adapters;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BrowserCoverage.h"
 #include "BrowserScripting.h"
 #include "Clock.h"
 #include "Preferences.h"
@@ -7,6 +8,8 @@
 #include "RecordFiles.h"
 #include "RunningApplications.h"
 #include "SystemIdle.h"
+
+#include <QByteArray>
 
 #include <memory>
 
@@ -16,7 +19,9 @@ struct PlatformAdapters
     std::unique_ptr<Clock> clock;
     std::unique_ptr<SystemIdle> idle;
     std::unique_ptr<RunningApplications> applications;
+    std::unique_ptr<QObject> browserConnections; ///< what the next two stand on; may be null
     std::unique_ptr<BrowserScripting> browsers;
+    std::unique_ptr<BrowserCoverageSource> coverage;
     std::unique_ptr<Preferences> preferences;
     std::unique_ptr<RecordFiles> files;
 
@@ -24,4 +29,5 @@ struct PlatformAdapters
 };
 
 /// The adapters that serve this desktop best. Where nothing serves a port, one takes its place that says so.
-PlatformAdapters choosePlatform();
+/// `folder` is the private folder in which the running program is found; this process holds its lock.
+PlatformAdapters choosePlatform(const QByteArray &folder);

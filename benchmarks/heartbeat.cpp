@@ -3,8 +3,9 @@
 // as the program does it, so that looks that are due only every ten seconds are paid for here too. Needs
 // DISPLAY with a window manager.
 
+#include "CompanionScripting.h"
+#include "CompanionServer.h"
 #include "FolderRecordFiles.h"
-#include "NoBrowserScripting.h"
 #include "QuorvelController.h"
 #include "Sleepers.h"
 #include "SystemClock.h"
@@ -66,7 +67,8 @@ int main(int count, char **words)
     SystemClock clock;
     X11Idle idle(connection);
     X11Applications applications(connection, {});
-    NoBrowserScripting browsers;
+    CompanionServer server(folder.path().toLocal8Bit());
+    CompanionScripting browsers(server);
     TextPreferences preferences(folder.filePath(QStringLiteral("config")));
     FolderRecordFiles files(folder.filePath(QStringLiteral("data")));
     auto settings = QuorvelConfig::defaults();

@@ -5,7 +5,7 @@ target_compile_options(quorvel_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wnull-dereference -Wimplicit-fallthrough)
 # At -O3 GCC 12 sees both of these in Qt's inlined containers (QHash of a variant, QHash of units) and is wrong.
 target_compile_options(quorvel_flags INTERFACE
-    $<$<CONFIG:Release>:-Wno-maybe-uninitialized> $<$<CONFIG:Release>:-Wno-null-dereference>)
+    $<$<AND:$<CONFIG:Release>,$<CXX_COMPILER_ID:GNU>>:-Wno-maybe-uninitialized;-Wno-null-dereference>)
 target_compile_definitions(quorvel_flags INTERFACE
     QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_KEYWORDS QT_DISABLE_DEPRECATED_BEFORE=0x060400)
 if(QUORVEL_SANITIZE)
@@ -37,5 +37,24 @@ function(quorvel_test name)
         TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}" ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
     if("x11" IN_LIST arg_LABELS) # each waits for windows and programs; together they only make each other late
         set_tests_properties(${name} PROPERTIES RESOURCE_LOCK desktop)
+    endif()
+endfunction()
+
+# quorvel_fuzz(<fuzzThing> SOURCES <more files> LINKS <targets>)
+# Builds fuzzThing.cpp, which has LLVMFuzzerTestOneInput. The usual build replays tests/fuzz/corpus/fuzzThing as a test;
+# the preset `fuzz` links the fuzzer to it, for scripts/fuzz.sh.
+function(quorvel_fuzz name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
+    add_executable(${name} ${name}.cpp ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE ${arg_LINKS} quorvel_flags)
+    set_target_properties(${name} PROPERTIES AUTOMOC OFF RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    if(QUORVEL_FUZZ)
+        target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+        add_dependencies(fuzz_targets ${name})
+        set_property(GLOBAL APPEND PROPERTY QUORVEL_FUZZ_TARGETS ${name})
+    else()
+        target_sources(${name} PRIVATE replay.cpp)
+        add_test(NAME ${name} COMMAND ${name} ${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name})
+        set_tests_properties(${name} PROPERTIES TIMEOUT 60 LABELS unit)
     endif()
 endfunction()

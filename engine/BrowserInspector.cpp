@@ -1,6 +1,6 @@
 #include "BrowserInspector.h"
 
-#include <QUrl>
+#include "browserAddress.h"
 
 #include <algorithm>
 #include <tuple>
@@ -23,10 +23,10 @@ std::vector<BrowserTab> BrowserInspector::allTabs(const QString &browser) const
     return m_scripting.allTabs(browser);
 }
 
-std::optional<QString> BrowserInspector::frontTabUrl(const QString &browser) const
+std::optional<QString> BrowserInspector::frontTabURL(const QString &browser) const
 {
-    const auto url = m_scripting.frontTabUrl(browser).value_or(QString()).trimmed();
-    if (url.isEmpty() || !QUrl(url, QUrl::StrictMode).isValid())
+    const auto url = m_scripting.frontTabURL(browser).value_or(QString()).trimmed();
+    if (!isBrowserAddress(url))
         return std::nullopt;
     return url;
 }

@@ -16,7 +16,7 @@ public:
     std::vector<BrowserTab> allTabs(const QString &browser) const;
 
     /// Address of the front tab, trimmed; none where it is empty, cannot be read, or is not a URL.
-    std::optional<QString> frontTabUrl(const QString &browser) const;
+    std::optional<QString> frontTabURL(const QString &browser) const;
 
     /// Closes those of `tabs` that belong to `browser`, last window and last tab first, so that no close
     /// shifts the number of a tab still to be closed.

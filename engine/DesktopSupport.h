@@ -1,8 +1,10 @@
 #pragma once
 
 #include "Availability.h"
+#include "BrowserCoverage.h"
 #include "publishedField.h"
 
+#include <QList>
 #include <QObject>
 
 /// What this desktop lets the program do, for the interface to show. The controller keeps its own fields;
@@ -16,14 +18,27 @@ class DesktopSupport : public QObject
     QUORVEL_PUBLISHED(Availability, applications, Applications, Availability()) ///< seeing and quitting applications
     QUORVEL_PUBLISHED(Availability, idle, Idle, Availability())                 ///< knowing the idle time
     QUORVEL_PUBLISHED(Availability, browsers, Browsers, Availability())         ///< seeing and closing tabs
+    QUORVEL_PUBLISHED(QList<BrowserCoverage>, browserCoverage, BrowserCoverage, QList<BrowserCoverage>()) ///< each running browser, by name
+    QUORVEL_PUBLISHED(QList<BrowserCoverage>, unseenBrowsers, UnseenBrowsers, QList<BrowserCoverage>())   ///< those of them that are not connected
     QUORVEL_PUBLISHED(Availability, statusItem, StatusItem, Availability())     ///< showing the status item
     // clang-format on
 
 public:
-    using QObject::QObject;
+    explicit DesktopSupport(QObject *parent = nullptr)
+        : QObject(parent)
+    {
+        m_unseenBrowsers.setBinding([this] {
+            auto browsers = m_browserCoverage.value();
+            browsers.removeIf([](const BrowserCoverage &coverage) {
+                return coverage.state == BrowserCoverage::State::Connected;
+            });
+            return browsers;
+        });
+    }
 
     void setApplications(const Availability &availability) { m_applications = availability; }
     void setIdle(const Availability &availability) { m_idle = availability; }
     void setBrowsers(const Availability &availability) { m_browsers = availability; }
+    void setBrowserCoverage(const QList<BrowserCoverage> &coverage) { m_browserCoverage = coverage; }
     void setStatusItem(const Availability &availability) { m_statusItem = availability; }
 };

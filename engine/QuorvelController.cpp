@@ -121,6 +121,7 @@ void QuorvelController::tick()
         m_blockedRunningAppNames = sortedDisplayNames(blocked);
         enforceAppBlocks(blocked);
         checkBrowsersIfNeeded();
+        checkFurtherBrowsersIfNeeded();
     } else {
         m_blockedRunningAppNames = QStringList();
     }

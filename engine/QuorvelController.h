@@ -185,7 +185,7 @@ public:
     StudyMoment validateStudyMoment() const;
     bool isAllowedStudyApp(const QString &name) const;
     /// `url` as the browser wrote it; one without a host is never allowed.
-    bool isAllowedStudyUrl(const QString &url) const;
+    bool isAllowedStudyURL(const QString &url) const;
 
     // Application blocking (applicationBlocking.cpp)
     std::vector<RunningApplication> findBlockedRunningApps();
@@ -221,7 +221,9 @@ private:
     QStringList sortedDisplayNames(const std::vector<RunningApplication> &applications) const;
     void enforceAppBlocks(const std::vector<RunningApplication> &applications);
     void checkBrowsersIfNeeded();
-    void closeBlockedTabs();
+    /// The same for browsers that only this platform reaches; to be called right after it.
+    void checkFurtherBrowsersIfNeeded();
+    void closeBlockedTabs(const QSet<QString> &browsers);
 
     void refreshDayIfNeeded();
     void loadTodayStats();

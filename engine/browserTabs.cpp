@@ -15,6 +15,47 @@ constexpr int heartbeatsBetweenChecks = 5;
 /// Hosts that the event names at most.
 constexpr qsizetype hostsNamed = 4;
 
+/// One look at the tabs: those on blocked domains are closed, and their hosts remembered.
+class TabSweep
+{
+public:
+    TabSweep(const BrowserInspector &inspector, const QStringList &blockedDomains)
+        : m_inspector(inspector)
+        , m_blocked(blockedDomains)
+    {}
+
+    void visit(const QString &browser)
+    {
+        std::vector<BrowserTab> toClose;
+        for (auto &tab : m_inspector.allTabs(browser)) {
+            const auto host = hostOfUrl(tab.url);
+            if (!host || !m_blocked.contains(normalizeDomain(*host)))
+                continue;
+            m_closedHosts.append(*host);
+            toClose.push_back(std::move(tab));
+        }
+        m_inspector.closeTabs(std::move(toClose), browser);
+    }
+
+    /// What is to be logged; empty where nothing was closed.
+    QString event() const
+    {
+        if (m_closedHosts.isEmpty())
+            return {};
+        QStringList hosts;
+        for (const auto &host : m_closedHosts)
+            hosts.append(normalizeDomain(host));
+        return u"Closed "_s + QString::number(m_closedHosts.size()) + u" blocked browser tab"_s +
+               (m_closedHosts.size() == 1 ? QString() : u"s"_s) + u": "_s +
+               removingDuplicates(hosts).mid(0, hostsNamed).join(u", "_s) + u"."_s;
+    }
+
+private:
+    const BrowserInspector &m_inspector;
+    DomainSet m_blocked;
+    QStringList m_closedHosts; ///< as the addresses have them, one for each closed tab
+};
+
 } // namespace
 
 void QuorvelController::checkBrowsersIfNeeded()
@@ -22,32 +63,29 @@ void QuorvelController::checkBrowsersIfNeeded()
     if (++m_browserTick < heartbeatsBetweenChecks)
         return;
     m_browserTick = 0;
-    closeBlockedTabs();
-}
 
-void QuorvelController::closeBlockedTabs()
-{
     QSet<QString> browsers;
     for (const auto &application : m_ports.applications.running())
         browsers.insert(displayName(application));
     browsers.intersect(BrowserInspector::supportedBrowsers());
+    closeBlockedTabs(browsers);
+}
 
-    const BrowserInspector inspector(m_ports.browsers);
-    QStringList closedHosts;
-    for (const auto &browser : std::as_const(browsers)) {
-        std::vector<BrowserTab> blocked;
-        for (const auto &tab : inspector.allTabs(browser)) {
-            const auto host = hostOfUrl(tab.url);
-            if (!host || !belongsToAnyDomain(normalizeDomain(*host), config().blockedDomains))
-                continue;
-            blocked.push_back(tab);
-            closedHosts.append(normalizeDomain(*host));
-        }
-        inspector.closeTabs(std::move(blocked), browser);
-    }
-    if (closedHosts.isEmpty())
+void QuorvelController::checkFurtherBrowsersIfNeeded()
+{
+    // Only in the heartbeat in which the supported ones were looked at.
+    if (m_browserTick != 0)
         return;
-    addEvent(u"Closed "_s + QString::number(closedHosts.size()) + u" blocked browser tab"_s +
-             (closedHosts.size() == 1 ? QString() : u"s"_s) + u": "_s +
-             removingDuplicates(closedHosts).mid(0, hostsNamed).join(u", "_s) + u"."_s);
+    const auto further = m_ports.browsers.furtherBrowsers();
+    closeBlockedTabs(QSet<QString>(further.begin(), further.end()));
+}
+
+void QuorvelController::closeBlockedTabs(const QSet<QString> &browsers)
+{
+    const BrowserInspector inspector(m_ports.browsers);
+    TabSweep sweep(inspector, config().blockedDomains);
+    for (const auto &browser : browsers)
+        sweep.visit(browser);
+    if (const auto event = sweep.event(); !event.isEmpty())
+        addEvent(event);
 }

@@ -1,9 +1,8 @@
 #include "domains.h"
 
-#include <QRegularExpression>
-#include <QUrl>
+#include "browserAddress.h"
 
-#include <algorithm>
+#include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
 
@@ -11,7 +10,7 @@ std::optional<QString> hostOfUrl(const QString &url)
 {
     // QUrl judges whether the text is a URL, but lower-cases and decodes the host, so that is read from the
     // text: what stands between "//" (after an optional scheme) and the next "/", "?" or "#".
-    if (!QUrl(url, QUrl::StrictMode).isValid())
+    if (!isBrowserAddress(url))
         return std::nullopt;
     static const QRegularExpression authorityPattern(
         uR"(^(?:[A-Za-z][A-Za-z0-9+.\-]*:)?//(?:[^/?#@]*@)?(\[[^\]/?#]*\]|[^/?#:@]*)(?::[0-9]*)?(?:[/?#]|$))"_s);
@@ -31,10 +30,21 @@ QString normalizeDomain(const QString &text)
     return domain;
 }
 
-bool belongsToAnyDomain(const QString &host, const QStringList &domains)
+DomainSet::DomainSet(const QStringList &entries)
 {
-    return std::any_of(domains.begin(), domains.end(), [&](const QString &entry) {
-        const auto domain = normalizeDomain(entry);
-        return !domain.isEmpty() && (host == domain || host.endsWith(u'.' + domain));
-    });
+    for (const auto &entry : entries) {
+        if (const auto domain = normalizeDomain(entry); !domain.isEmpty())
+            m_domains.insert(domain);
+    }
+}
+
+bool DomainSet::contains(const QString &host) const
+{
+    if (m_domains.contains(host))
+        return true;
+    for (auto dot = host.indexOf(u'.'); dot >= 0; dot = host.indexOf(u'.', dot + 1)) {
+        if (m_domains.contains(host.mid(dot + 1)))
+            return true;
+    }
+    return false;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -13,5 +14,15 @@ std::optional<QString> hostOfUrl(const QString &url);
 /// its host, no path and no leading "www.". May be empty. Ports, users and trailing dots are not treated.
 QString normalizeDomain(const QString &text);
 
-/// Whether `host`, already normalized, is one of `domains` or lies below one of them.
-bool belongsToAnyDomain(const QString &host, const QStringList &domains);
+/// The domains of a list, each standing for itself and everything below it.
+class DomainSet
+{
+public:
+    explicit DomainSet(const QStringList &entries);
+
+    /// Whether `host`, already normalized, is one of them or lies below one. Costs one look-up a label.
+    bool contains(const QString &host) const;
+
+private:
+    QSet<QString> m_domains;
+};

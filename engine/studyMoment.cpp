@@ -30,11 +30,11 @@ StudyMoment QuorvelController::validateStudySite() const
     if (!BrowserInspector::supportedBrowsers().contains(m_activeAppName) ||
         config().allowedStudyDomains.isEmpty())
         return {};
-    const auto url = BrowserInspector(m_ports.browsers).frontTabUrl(m_activeAppName);
+    const auto url = BrowserInspector(m_ports.browsers).frontTabURL(m_activeAppName);
     if (!url)
         return {false, inBoth(u"Paused: could not read active browser tab."_s,
                               u"Пауза: не удалось прочитать активную вкладку браузера."_s)};
-    if (isAllowedStudyUrl(*url))
+    if (isAllowedStudyURL(*url))
         return {};
     const auto shown = hostOfUrl(*url).value_or(*url);
     return {false, inBoth(u"Paused: "_s + shown + u" is not in allowed study domains."_s,
@@ -51,8 +51,8 @@ bool QuorvelController::isAllowedStudyApp(const QString &name) const
     });
 }
 
-bool QuorvelController::isAllowedStudyUrl(const QString &url) const
+bool QuorvelController::isAllowedStudyURL(const QString &url) const
 {
     const auto host = hostOfUrl(url);
-    return host && belongsToAnyDomain(normalizeDomain(*host), config().allowedStudyDomains);
+    return host && DomainSet(config().allowedStudyDomains).contains(normalizeDomain(*host));
 }

@@ -12,7 +12,7 @@ Panel {
     required property DesktopSupport desktopSupport
 
     visible: !desktopSupport.applications.works || !desktopSupport.idle.works || !desktopSupport.browsers.works
-             || !desktopSupport.statusItem.works
+             || !desktopSupport.statusItem.works || unseenBrowsers.count > 0
     title: L10n.t("desktop_limits", controller.language)
     subtitle: L10n.t("desktop_limits_subtitle", controller.language)
 
@@ -35,6 +35,20 @@ Panel {
         visible: value !== ""
         label: L10n.t("desktop_browsers", limits.controller.language)
         value: L10n.reason(limits.desktopSupport.browsers, limits.controller.language)
+    }
+
+    Repeater {
+        id: unseenBrowsers
+
+        model: limits.desktopSupport.unseenBrowsers
+
+        StatusLine {
+            required property browserCoverage modelData
+
+            Layout.fillWidth: true
+            label: modelData.browser
+            value: L10n.advice(modelData, limits.controller.language)
+        }
     }
 
     StatusLine {

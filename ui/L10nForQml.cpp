@@ -18,6 +18,11 @@ QString L10nForQml::reason(const Availability &availability, AppLanguage languag
     return inLanguage(language, availability.reasonEnglish, availability.reasonRussian);
 }
 
+QString L10nForQml::advice(const BrowserCoverage &coverage, AppLanguage language) const
+{
+    return inLanguage(language, coverage.adviceEnglish, coverage.adviceRussian);
+}
+
 QString L10nForQml::duration(qint64 seconds) const
 {
     return formatDuration(seconds);

@@ -2,6 +2,7 @@
 
 #include "AppLanguage.h"
 #include "Availability.h"
+#include "BrowserCoverage.h"
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
@@ -28,4 +29,7 @@ public:
 
     /// Why a means does not work; empty while it does.
     Q_INVOKABLE QString reason(const Availability &availability, AppLanguageEnum::AppLanguage language) const;
+
+    /// What there is to say of a browser, and what its user can do.
+    Q_INVOKABLE QString advice(const BrowserCoverage &coverage, AppLanguageEnum::AppLanguage language) const;
 };

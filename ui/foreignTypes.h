@@ -52,3 +52,30 @@ public:
 
     Availability value; ///< the only member: QML lays this struct over the extended one
 };
+
+/// What is known of one browser, as a value of QML. L10n.advice() gives its sentence.
+struct BrowserCoverageForQml
+{
+    Q_GADGET
+    QML_FOREIGN(BrowserCoverage)
+    QML_VALUE_TYPE(browserCoverage)
+    QML_EXTENDED(BrowserCoverageForQml)
+    Q_PROPERTY(QString browser READ browser FINAL)
+    Q_PROPERTY(bool connected READ connected FINAL)
+    Q_PROPERTY(bool canWork READ canWork FINAL)
+
+public:
+    QString browser() const { return value.browser; }
+    bool connected() const { return value.state == BrowserCoverage::State::Connected; }
+    bool canWork() const { return value.state != BrowserCoverage::State::CannotWork; }
+
+    BrowserCoverage value; ///< the only member: QML lays this struct over the extended one
+};
+
+struct BrowserCoverageListForQml
+{
+    Q_GADGET
+    QML_FOREIGN(QList<BrowserCoverage>)
+    QML_ANONYMOUS
+    QML_SEQUENTIAL_CONTAINER(BrowserCoverage)
+};

@@ -15,6 +15,12 @@ struct BrowserTab
     qint64 tabIndex = 0;
     QString url; ///< the address as the browser wrote it, letter for letter
 
+    /// Tells tabs of one reading apart.
+    QString id() const
+    {
+        return appName + u'-' + QString::number(windowIndex) + u'-' + QString::number(tabIndex) + u'-' + url;
+    }
+
     bool operator==(const BrowserTab &) const = default;
 };
 
@@ -31,8 +37,13 @@ public:
     virtual std::vector<BrowserTab> allTabs(const QString &browser) = 0;
 
     /// Address of the front window's active tab; no value where there is none or it cannot be read.
-    virtual std::optional<QString> frontTabUrl(const QString &browser) = 0;
+    virtual std::optional<QString> frontTabURL(const QString &browser) = 0;
 
-    /// Closes the tabs in the given order; one that has vanished is passed over.
+    /// Closes the tabs in the given order; one that has vanished or shows another address by now is passed
+    /// over. Returns at once or after one short call, and tells no result.
     virtual void closeTabs(const QString &browser, const std::vector<BrowserTab> &tabs) = 0;
+
+    /// Names of browsers, beyond those that the engine supports everywhere, whose tabs can be seen at this
+    /// moment.
+    virtual std::vector<QString> furtherBrowsers() const = 0;
 };

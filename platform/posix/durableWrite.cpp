@@ -3,9 +3,6 @@
 #include "FileCalls.h"
 #include "fileSteps.h"
 
-#include <cerrno>
-#include <fcntl.h>
-
 namespace {
 
 int createDurableFolder(FileCalls &calls, const QByteArray &folder)
@@ -20,21 +17,6 @@ int createDurableFolder(FileCalls &calls, const QByteArray &folder)
     return 0;
 }
 
-int writeNewFile(FileCalls &calls, const QByteArray &path, const QByteArray &bytes)
-{
-    int file = -1;
-    if (const int error = FileSteps::open(calls, path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, file))
-        return error;
-    int error = FileSteps::writeAll(calls, file, bytes);
-    if (!error)
-        error = FileSteps::sync(calls, file);
-    // A network file system may tell only here that it could not store the bytes. After EINTR the file is
-    // closed and was synced.
-    if (calls.close(file) < 0 && errno != EINTR && !error)
-        error = errno;
-    return error;
-}
-
 } // namespace
 
 Result<> durableWrite(FileCalls &calls, const QByteArray &path, const QByteArray &bytes)
@@ -45,18 +27,9 @@ Result<> durableWrite(FileCalls &calls, const QByteArray &path, const QByteArray
     if (const int error = FileSteps::followLinks(calls, target))
         return FileSteps::failure(error);
 
-    const QByteArray folder = FileSteps::folderOf(target);
-    const QByteArray temporary = folder + "/." + target.mid(target.lastIndexOf('/') + 1) + ".new";
-    calls.unlink(temporary.constData()); // what a crash left; where it stays, the next step says why
-    int error = writeNewFile(calls, temporary, bytes);
-    if (!error && calls.rename(temporary.constData(), target.constData()) < 0)
-        error = errno;
-    if (error) {
-        calls.unlink(temporary.constData());
+    if (const int error = FileSteps::replace(calls, target, bytes))
         return FileSteps::failure(error);
-    }
-    error = FileSteps::syncFolder(calls, folder);
-    if (error)
+    if (const int error = FileSteps::syncFolder(calls, FileSteps::folderOf(target)))
         return FileSteps::failure(error);
     return Done{};
 }

@@ -95,6 +95,37 @@ int sync(FileCalls &calls, int file)
     return uninterrupted([&] { return calls.fsync(file); }) < 0 ? errno : 0;
 }
 
+namespace {
+
+int writeNewFile(FileCalls &calls, const QByteArray &path, const QByteArray &bytes)
+{
+    int file = -1;
+    if (const int error = open(calls, path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, file))
+        return error;
+    int error = writeAll(calls, file, bytes);
+    if (!error)
+        error = sync(calls, file);
+    // A network file system may tell only here that it could not store the bytes. After EINTR the file is
+    // closed and was synced.
+    if (calls.close(file) < 0 && errno != EINTR && !error)
+        error = errno;
+    return error;
+}
+
+} // namespace
+
+int replace(FileCalls &calls, const QByteArray &path, const QByteArray &bytes)
+{
+    const auto temporary = folderOf(path) + "/." + path.mid(path.lastIndexOf('/') + 1) + ".new";
+    calls.unlink(temporary.constData()); // what a crash left; where it stays, the next step says why
+    int error = writeNewFile(calls, temporary, bytes);
+    if (!error && calls.rename(temporary.constData(), path.constData()) < 0)
+        error = errno;
+    if (error)
+        calls.unlink(temporary.constData());
+    return error;
+}
+
 int syncFolder(FileCalls &calls, const QByteArray &folder)
 {
     int file = -1;

@@ -32,6 +32,11 @@ int writeAll(FileCalls &calls, int file, const QByteArray &bytes);
 /// Waits until the file's bytes are on the disk.
 int sync(FileCalls &calls, int file);
 
+/// Writes the bytes beside `path`, waits until they are on the disk, and gives the file that name: either the
+/// old or the new bytes are there. A link of that name is replaced, not followed. The folder has to be there;
+/// it holds the new name durably only after syncFolder().
+int replace(FileCalls &calls, const QByteArray &path, const QByteArray &bytes);
+
 /// Waits until the names in a folder are on the disk. No failure where the file system cannot sync folders.
 int syncFolder(FileCalls &calls, const QByteArray &folder);
 

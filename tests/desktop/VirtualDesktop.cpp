@@ -1,5 +1,7 @@
 #include "VirtualDesktop.h"
 
+#include "freeDisplay.h"
+
 #include <QDir>
 #include <QFile>
 
@@ -53,14 +55,17 @@ VirtualDesktop::~VirtualDesktop()
     end(m_manager);
     end(m_bus);
     end(m_server);
+    if (const auto display = m_environment.value(u"DISPLAY"_s); m_works)
+        clearDisplay(display);
 }
 
 bool VirtualDesktop::startServer()
 {
     // Abstract sockets are seen from every file system, so another system's server of that number could
     // answer. A server that resets when its last client leaves takes with it whoever connects at that moment.
-    m_server.start(u"Xvfb"_s, {u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, u"1400x1000x24"_s,
-                               u"-nolisten"_s, u"tcp"_s, u"-nolisten"_s, u"local"_s, u"-noreset"_s});
+    m_server.start(u"Xvfb"_s,
+                   {freeDisplay(), u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, u"1400x1000x24"_s,
+                    u"-nolisten"_s, u"tcp"_s, u"-nolisten"_s, u"local"_s, u"-noreset"_s});
     const auto number = firstLine(m_server);
     if (number.isEmpty())
         return false;

@@ -2,6 +2,7 @@
 
 import contextlib
 import os
+import random
 import shutil
 import signal
 import subprocess
@@ -26,6 +27,19 @@ def wait_until(condition, seconds, what):
         if time.monotonic() > ends:
             raise DesktopFailure(f"{what}: not within {seconds} s")
         time.sleep(0.05)
+
+
+def free_display():
+    """A display that no X server has, as ":N".
+
+    A server that looks for one itself takes the lock of a server that it cannot see, in another process namespace, for a
+    dead one's and cuts that off from its clients. So the number is one that has never been used here, drawn from so many
+    that two rarely draw the same.
+    """
+    while True:
+        number = random.randrange(1000, 59000)
+        if not os.path.lexists(f"/tmp/.X{number}-lock") and not os.path.lexists(f"/tmp/.X11-unix/X{number}"):
+            return f":{number}"
 
 
 class VirtualDesktop:
@@ -94,7 +108,9 @@ class VirtualDesktop:
 
     def _start_parts(self):
         display = self._start_telling(
-            "xvfb", ["Xvfb", "-displayfd", "{fd}", "-screen", "0", SCREEN, "-nolisten", "tcp", "-nolisten", "local", "-noreset"])
+            "xvfb", [
+                "Xvfb", free_display(), "-displayfd", "{fd}", "-screen", "0", SCREEN, "-nolisten", "tcp", "-nolisten", "local",
+                "-noreset"])
         self.environment["DISPLAY"] = f":{display}"
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = self._start_telling(
             "dbus", ["dbus-daemon", "--session", "--nofork", "--print-address={fd}"])

@@ -98,6 +98,70 @@ private Q_SLOTS:
         QVERIFY(browsing.browsers.listedBrowsers.empty());
     }
 
+    void furtherBrowsersAreSweptInTheSameHeartbeat()
+    {
+        Browsing browsing;
+        browsing.browsers.further = {u"Firefox"_s};
+        browsing.open(1, 1, u"https://youtube.com/"_s);
+        browsing.open(1, 1, u"https://example.org/"_s, u"Firefox"_s);
+        browsing.open(1, 2, u"https://m.youtube.com/"_s, u"Firefox"_s);
+        browsing.controller->lockNow();
+        browsing.seconds(3);
+        QVERIFY(browsing.browsers.listedBrowsers.empty());
+        browsing.seconds(1);
+        QCOMPARE(browsing.browsers.listedBrowsers, std::vector<QString>({u"Chromium"_s, u"Firefox"_s}));
+        QCOMPARE(browsing.events().mid(0, 2), QStringList({u"Closed 1 blocked browser tab: m.youtube.com."_s,
+                                                           u"Closed 1 blocked browser tab: youtube.com."_s}));
+        browsing.seconds(5);
+        QCOMPARE(browsing.browsers.listedBrowsers.size(), std::size_t(4));
+    }
+
+    void furtherBrowserNeedsNoListedApplication()
+    {
+        ControllerHarness harness; // the desktop may call it otherwise, "Firefox ESR"
+        harness.browsers.further = {u"Firefox"_s};
+        harness.browsers.tabs[u"Firefox"_s].push_back({u"Firefox"_s, 1, 1, u"https://youtube.com/"_s});
+        harness.start().lockNow();
+        harness.seconds(4);
+        QCOMPARE(harness.browsers.closed.size(), std::size_t(1));
+        harness.browsers.further.clear(); // it has ended
+        harness.seconds(5);
+        QCOMPARE(harness.browsers.listedBrowsers.size(), std::size_t(1));
+    }
+
+    void furtherBrowsersAreLeftAloneWhileBlockingIsOff()
+    {
+        Browsing browsing;
+        browsing.browsers.further = {u"Firefox"_s};
+        browsing.seconds(20);
+        QVERIFY(browsing.browsers.listedBrowsers.empty());
+    }
+
+    void hostsAreNormalizedInTheEventAndNamedOnce()
+    {
+        Browsing browsing;
+        browsing.open(1, 1, u"https://www.YouTube.com/"_s);
+        browsing.open(1, 2, u"https://youtube.com:8080/x"_s);
+        browsing.controller->lockNow();
+        browsing.seconds(4);
+        QCOMPARE(browsing.events().first(), u"Closed 2 blocked browser tabs: youtube.com."_s);
+    }
+
+    void addressesThatOnlyBrowsersTakeAreBlockedToo()
+    {
+        Browsing browsing;
+        browsing.open(1, 1, u"https://youtube.com/?q=%zz|{}"_s);
+        browsing.controller->lockNow();
+        browsing.seconds(4);
+        QCOMPARE(browsing.events().first(), u"Closed 1 blocked browser tab: youtube.com."_s);
+    }
+
+    void tabsAreToldApartByTheirId()
+    {
+        QCOMPARE((BrowserTab{u"Arc"_s, 1, 2, u"https://example.org/"_s}).id(),
+                 u"Arc-1-2-https://example.org/"_s);
+    }
+
     void noBlockedTabLogsNothing()
     {
         Browsing browsing;

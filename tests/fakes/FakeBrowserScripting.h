@@ -10,6 +10,7 @@ class FakeBrowserScripting : public BrowserScripting
 public:
     std::map<QString, std::vector<BrowserTab>> tabs;
     std::map<QString, QString> frontUrls;
+    std::vector<QString> further;        ///< what furtherBrowsers() tells
     std::vector<BrowserTab> closed;      ///< in the order of closing
     std::vector<QString> listedBrowsers; ///< one entry for each call of allTabs()
 
@@ -19,7 +20,7 @@ public:
         listedBrowsers.push_back(browser);
         return tabs[browser];
     }
-    std::optional<QString> frontTabUrl(const QString &browser) override
+    std::optional<QString> frontTabURL(const QString &browser) override
     {
         const auto found = frontUrls.find(browser);
         return found == frontUrls.end() ? std::nullopt : std::optional(found->second);
@@ -31,4 +32,5 @@ public:
             std::erase(tabs[browser], tab);
         }
     }
+    std::vector<QString> furtherBrowsers() const override { return further; }
 };

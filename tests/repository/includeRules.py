@@ -6,11 +6,15 @@ from pathlib import Path, PurePosixPath
 # A folder may include itself and what stands here. Adapters are chosen by app/ alone, so nobody else names them.
 PORTS = {"platform/ports"}
 RULES = {
+    "companion/channel": set(),
+    "companion/host": {"companion/channel"},
     "platform/ports": set(),
     "platform/none": PORTS,
     "platform/posix": PORTS,
     "platform/linux/process": PORTS | {"platform/posix"},
     "platform/linux/x11": PORTS | {"platform/posix", "platform/linux/process"},
+    "platform/linux/companion": PORTS | {"companion/channel", "platform/posix", "platform/linux/process"},
+    "platform/applescript": PORTS,
     "study": PORTS,
     "account": PORTS,
     "engine": PORTS | {"study", "account"},

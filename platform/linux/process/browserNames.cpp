@@ -1,12 +1,13 @@
 #include "browserNames.h"
 
 #include <QHash>
+#include <QSet>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-std::optional<QString> nameOfId(const QString &desktopId)
+const QHash<QString, QString> &namesById()
 {
     static const QHash<QString, QString> names{
         {u"google-chrome"_s, u"Google Chrome"_s},
@@ -31,11 +32,21 @@ std::optional<QString> nameOfId(const QString &desktopId)
         {u"com.apple.Safari"_s, u"Safari"_s},
         {u"company.thebrowser.Browser"_s, u"Arc"_s},
     };
-    const auto found = names.constFind(desktopId);
-    return found == names.cend() ? std::nullopt : std::optional(*found);
+    return names;
 }
 
-/// Folder and file name tell editions apart: Edge's developer edition is "msedge-dev/msedge".
+std::optional<QString> nameOfId(const QString &desktopId)
+{
+    const auto found = namesById().constFind(desktopId);
+    return found == namesById().cend() ? std::nullopt : std::optional(*found);
+}
+
+/// Tells editions apart: Edge's developer edition is "msedge-dev/msedge".
+QString folderAndFile(const QString &executable)
+{
+    return executable.section(u'/', -2);
+}
+
 std::optional<QString> nameOfExecutable(const QString &executable)
 {
     static const QHash<QString, QString> names{
@@ -47,7 +58,7 @@ std::optional<QString> nameOfExecutable(const QString &executable)
         {u"chromium-browser/chrome"_s, u"Chromium"_s},
         {u"opera/opera"_s, u"Opera"_s},
     };
-    const auto found = names.constFind(executable.section(u'/', -2));
+    const auto found = names.constFind(folderAndFile(executable));
     return found == names.cend() ? std::nullopt : std::optional(*found);
 }
 
@@ -56,4 +67,25 @@ std::optional<QString> nameOfExecutable(const QString &executable)
 std::optional<QString> supportedBrowserName(const QString &desktopId, const QString &executable)
 {
     return desktopId.isEmpty() ? nameOfExecutable(executable) : nameOfId(desktopId);
+}
+
+bool isSupportedBrowserName(const QString &name)
+{
+    static const auto names = [] {
+        const auto values = namesById().values();
+        return QSet<QString>(values.cbegin(), values.cend());
+    }();
+    return names.contains(name);
+}
+
+std::optional<QString> furtherBrowserName(const QString &desktopId, const QString &executable)
+{
+    static const QSet<QString> ids{u"firefox"_s, u"firefox-esr"_s, u"firefox_firefox"_s,
+                                   u"org.mozilla.firefox"_s, u"mozilla-firefox"_s};
+    static const QSet<QString> programs{u"firefox-esr/firefox-esr"_s, u"firefox-esr/firefox"_s,
+                                        u"firefox-esr/firefox-bin"_s, u"firefox/firefox"_s,
+                                        u"firefox/firefox-bin"_s};
+    const bool isFirefox =
+        desktopId.isEmpty() ? programs.contains(folderAndFile(executable)) : ids.contains(desktopId);
+    return isFirefox ? std::optional(u"Firefox"_s) : std::nullopt;
 }

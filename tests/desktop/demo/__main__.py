@@ -26,6 +26,7 @@ def main():
     arguments = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     arguments.add_argument("--program", required=True, type=Path)
     arguments.add_argument("--decoy", required=True, type=Path, help="program that plays the other applications")
+    arguments.add_argument("--companion", required=True, type=Path, help="folder of the browser extension")
     arguments.add_argument("--output", required=True, type=Path)
     given = arguments.parse_args()
     for number in signal.SIGINT, signal.SIGTERM, signal.SIGHUP:
@@ -39,7 +40,7 @@ def main():
             os.environ.update(virtual.environment)
             import steps
 
-            steps.play(virtual, report, given.program.resolve(), given.decoy.resolve())
+            steps.play(virtual, report, given.program.resolve(), given.decoy.resolve(), given.companion.resolve())
         except (StepFailed, DesktopFailure) as problem:
             report.give_up(str(problem))
         finally:

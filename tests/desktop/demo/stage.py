@@ -24,7 +24,7 @@ FEWEST_COLOURS = 300  # a window that was not drawn has a handful
 
 class Stage:
     def __init__(self, desktop, program, decoy):
-        self._desktop = desktop
+        self.desktop = desktop
         self._program = program
         self._decoy = decoy
         self._pictures = 0
@@ -32,8 +32,8 @@ class Stage:
 
     def install_applications(self):
         """Puts each application into the private home, with a menu entry, as an installer would."""
-        programs = self._desktop.home / "applications"
-        entries = self._desktop.home / ".local/share/applications"
+        programs = self.desktop.home / "applications"
+        entries = self.desktop.home / ".local/share/applications"
         for folder in programs, entries:
             folder.mkdir(parents=True)
         for name, options in APPLICATIONS.items():
@@ -46,41 +46,49 @@ class Stage:
                 encoding="utf-8")
 
     def start_quorvel(self):
-        environment = self._desktop.environment
+        environment = self.desktop.environment
         environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
         environment["QT_QPA_PLATFORM"] = "xcb"
-        self.quorvel = self._desktop.start("quorvel", [str(self._program)])
+        self.quorvel = self.desktop.start("quorvel", [str(self._program)])
         self.window = Window(self.quorvel.pid)
         return self._window_of(self.quorvel)
 
     def open(self, name):
         """Starts an application from its own program and waits until its window is in front."""
         options = APPLICATIONS[name]
-        process = self._desktop.start(name.lower(), [str(self._desktop.home / "applications" / name.lower()),
+        process = self.desktop.start(name.lower(), [str(self.desktop.home / "applications" / name.lower()),
                                                      "--title", name, "--geometry", SIZE, *options])
         window = self._window_of(process)
-        self._desktop.run("xdotool", "windowmove", window, *PLACE)
+        self.desktop.run("xdotool", "windowmove", window, *PLACE)
         return process
 
+    def title(self, process):
+        """What the title bar of its window says."""
+        return self.desktop.run("xdotool", "getwindowname", self._window_of(process)).strip()
+
+    def wait_for_title(self, process, beginning, seconds):
+        wait_until(lambda: self.title(process).startswith(beginning), seconds, f"the title {beginning!r}")
+        return self.title(process)
+
     def bring_to_front(self, process):
-        self._desktop.run("xdotool", "windowactivate", "--sync", self._window_of(process))
+        self.desktop.run("xdotool", "windowactivate", "--sync", self._window_of(process))
 
     def end(self, process):
-        self._desktop.end(process)
+        self.desktop.end(process)
 
     def _window_of(self, process):
         def shown():
             if process.poll() is not None:
                 raise StepFailed(f"{process.args[0]} ended with {process.returncode}; its log may say why")
             found = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(process.pid)],
-                                   env=self._desktop.environment, capture_output=True, text=True, check=False)
+                                   env=self.desktop.environment, capture_output=True, text=True, check=False)
             return found.stdout.split()[-1:]
 
         return wait_until(shown, 20, f"a window of {process.args[0]}")[0]
 
     def hands(self):
         """`with stage.hands():` someone moves the pointer a little, more than once a second."""
-        return _Hands(self._desktop)
+        return _Hands(self.desktop)
 
     def scroll_to_end(self):
         """Turns the wheel until the page of Quorvel's window shows its end, where the events are."""
@@ -90,15 +98,15 @@ class Stage:
         self._turn_wheel("4")
 
     def _turn_wheel(self, button):
-        self._desktop.run("xdotool", "mousemove", str(HANDS_X), str(HANDS_Y), "click", "--repeat", "15", "--delay", "5", button)
+        self.desktop.run("xdotool", "mousemove", str(HANDS_X), str(HANDS_Y), "click", "--repeat", "15", "--delay", "5", button)
 
     def picture(self, name):
         """Takes NN-name.png of the whole screen; fails where nothing was drawn or nothing has changed."""
         self._pictures += 1
-        path = self._desktop.folder / f"{self._pictures:02}-{name}.png"
+        path = self.desktop.folder / f"{self._pictures:02}-{name}.png"
         time.sleep(SECONDS_TO_DRAW)
-        self._desktop.run("import", "-silent", "-window", "root", str(path))
-        colours, content = self._desktop.run("identify", "-format", "%k %#", str(path)).split()
+        self.desktop.run("import", "-silent", "-window", "root", str(path))
+        colours, content = self.desktop.run("identify", "-format", "%k %#", str(path)).split()
         if int(colours) < FEWEST_COLOURS:
             raise StepFailed(f"{path.name} shows only {colours} colours: the window is not drawn")
         if content == self._shown:

@@ -6,9 +6,12 @@ import time
 from datetime import date
 
 import records
+from browser import Browser
 from stage import Stage, seconds_until
+from virtualDesktop import wait_until
 
 IDLE_LIMIT = 4  # seconds; the shortest that leaves time to see it counting
+LOOK = 5  # seconds from one look at the tabs to the next
 GRACE = 5.0  # seconds that a blocked application has after it was asked to quit
 CLOCK = r"\d\d:\d\d"
 COUNTING = r"Counting study time\. Card proof: Off\. Active app: Anki\."
@@ -25,7 +28,7 @@ def clock_seconds(window):
     return int(minutes) * 60 + int(seconds)
 
 
-def play(desktop, report, program, decoy):
+def play(desktop, report, program, decoy, companion):
     stage = Stage(desktop, program, decoy)
     records.write_settings(desktop.home, studyMinutes=1, breakMinutes=1, maxIdleSeconds=IDLE_LIMIT)
     stage.install_applications()
@@ -36,6 +39,7 @@ def play(desktop, report, program, decoy):
     close_steam(stage, report, anki)
     close_discord_by_force(stage, report, anki)
     pause_in_front_of_quorvel(stage, report, anki)
+    close_a_blocked_tab(stage, report, anki, companion)
     speak_russian(stage, report, anki)
     earn_the_break(stage, report, anki)
     leave_steam_alone(stage, report)
@@ -135,6 +139,27 @@ def pause_in_front_of_quorvel(stage, report, anki):
             step.saw(stage.window.wait_for(r"Paused: [Qq]uorvel is not in allowed study apps\.", 4))
             stands_still(stage, step, 2)
             step.saw(stage.picture("quorvel-in-front"))
+            go_on(stage, step, anki)
+
+
+def close_a_blocked_tab(stage, report, anki, companion):
+    with report.step("Browser", "a tab on a blocked site is closed within seconds; the tab beside it stays") as step:
+        with stage.hands(), Browser(stage.desktop, companion) as browser:
+            chromium = browser.start("http://lessons.example/")
+            step.saw(stage.wait_for_title(chromium, "Lesson 7", 20))
+            opened = time.monotonic()
+            browser.open("http://9gag.com/")
+            wait_until(lambda: browser.asked_for("9gag.com"), 5, "the page of 9gag.com")
+            step.saw(stage.picture("blocked-tab"))  # a look may have come before it
+            step.saw(stage.wait_for_title(chromium, "Lesson 7", LOOK + 3))
+            step.saw(f"back in front at most {time.monotonic() - opened:.1f} s after the other was opened")
+            stage.scroll_to_end()
+            step.saw(stage.window.wait_for(event("Closed 1 blocked browser tab: 9gag.com."), 3))
+            step.check(browser.asked_for("lessons.example") == 1, "the other tab was not loaded again")
+            step.saw(stage.picture("blocked-tab-closed"))
+            time.sleep(LOOK + 1)
+            step.check(stage.title(chromium).startswith("Lesson 7"), "it stays")
+            stage.end(chromium)
             go_on(stage, step, anki)
 
 

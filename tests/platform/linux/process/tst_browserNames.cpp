@@ -46,6 +46,44 @@ private Q_SLOTS:
         QFETCH(QString, executable);
         QTEST(supportedBrowserName(id, executable).value_or(QString()), "name");
     }
+
+    void furtherNames_data()
+    {
+        QTest::addColumn<QString>("id");
+        QTest::addColumn<QString>("executable");
+        QTest::addColumn<QString>("name"); // empty: none
+        const auto none = QString();
+        const auto firefox = u"Firefox"_s;
+        QTest::newRow("debian") << u"firefox-esr"_s << u"/usr/lib/firefox-esr/firefox-esr"_s << firefox;
+        QTest::newRow("distribution") << u"firefox"_s << none << firefox;
+        QTest::newRow("flatpak") << u"org.mozilla.firefox"_s << u"/app/lib/firefox/firefox-bin"_s << firefox;
+        QTest::newRow("snap") << u"firefox_firefox"_s << none << firefox;
+        QTest::newRow("program alone") << none << u"/usr/lib/firefox-esr/firefox-esr"_s << firefox;
+        QTest::newRow("unpacked") << none << u"/home/me/firefox/firefox-bin"_s << firefox;
+        QTest::newRow("unpacked, newer") << none << u"/opt/firefox/firefox"_s << firefox;
+        QTest::newRow("esr") << none << u"/usr/lib/firefox-esr/firefox"_s << firefox;
+        QTest::newRow("beta") << none << u"/usr/lib/firefox-beta/firefox-bin"_s << none;
+        QTest::newRow("developer") << u"firefox-devedition"_s << u"/usr/lib/firefox/firefox"_s << none;
+        QTest::newRow("nightly") << u"firefox-nightly"_s << none << none;
+        QTest::newRow("thunderbird") << none << u"/usr/lib/thunderbird/thunderbird"_s << none;
+        QTest::newRow("chromium") << u"chromium"_s << u"/usr/lib/chromium/chromium"_s << none;
+        QTest::newRow("nothing") << none << none << none;
+    }
+    void furtherNames()
+    {
+        QFETCH(QString, id);
+        QFETCH(QString, executable);
+        QTEST(furtherBrowserName(id, executable).value_or(QString()), "name");
+    }
+
+    void sevenNames()
+    {
+        for (const auto &name : {u"Safari"_s, u"Google Chrome"_s, u"Brave Browser"_s, u"Microsoft Edge"_s,
+                                 u"Arc"_s, u"Chromium"_s, u"Opera"_s})
+            QVERIFY2(isSupportedBrowserName(name), qPrintable(name));
+        for (const auto &name : {u"Firefox"_s, u"chromium"_s, QString()})
+            QVERIFY2(!isSupportedBrowserName(name), qPrintable(name));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestBrowserNames)

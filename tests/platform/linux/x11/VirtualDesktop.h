@@ -1,5 +1,7 @@
 #pragma once
 
+#include "freeDisplay.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -26,10 +28,10 @@ public:
         QDir(path()).mkpath(QStringLiteral("home"));
         QDir(path()).mkpath(QStringLiteral("data/applications"));
         m_server = launch(QStringLiteral("Xvfb"),
-                          {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
-                           QStringLiteral("0"), QStringLiteral("800x600x24"), QStringLiteral("-ac"),
-                           QStringLiteral("-nolisten"), QStringLiteral("tcp"), QStringLiteral("-nolisten"),
-                           QStringLiteral("local"), QStringLiteral("-noreset")});
+                          {freeDisplay(), QStringLiteral("-displayfd"), QStringLiteral("1"),
+                           QStringLiteral("-screen"), QStringLiteral("0"), QStringLiteral("800x600x24"),
+                           QStringLiteral("-ac"), QStringLiteral("-nolisten"), QStringLiteral("tcp"),
+                           QStringLiteral("-nolisten"), QStringLiteral("local"), QStringLiteral("-noreset")});
         m_display = u':' + QString::fromLatin1(firstLine(*m_server));
         m_environment.insert(QStringLiteral("DISPLAY"), m_display);
         if (manager == Manager::Openbox)
@@ -42,6 +44,8 @@ public:
         if (m_manager)
             stop(*m_manager);
         stop(*m_server);
+        if (works())
+            clearDisplay(m_display);
     }
 
     bool works() const { return m_display.size() > 1; }
