@@ -160,7 +160,7 @@ void checkNextStart(ControllerHarness &harness)
     QCOMPARE(next.studyCards(), cards);
     QCOMPARE(next.studyTasks(), tasks);
     QCOMPARE(next.config(), config);
-    QVERIFY(progress.totalFocusSeconds - next.userProgress().totalFocusSeconds < 60);
+    QVERIFY(progress.totalFocusSeconds >= next.userProgress().totalFocusSeconds);
     progress.totalFocusSeconds = next.userProgress().totalFocusSeconds;
     QCOMPARE(next.userProgress(), progress);
     QVERIFY(today >= next.todayStudySeconds());
