@@ -58,7 +58,7 @@ std::optional<double> numberIn(QStringView raw)
     text.remove(u' ').replace(u',', u'.');
     if (!isDecimalNumber(text))
         return std::nullopt;
-    const double number = text.toLatin1().toDouble();
+    const double number = text.toDouble(); // infinite or 0 where it does not fit
     return std::isfinite(number) ? std::optional(number) : std::nullopt;
 }
 
