@@ -38,6 +38,13 @@ bool isOperator(QChar unit)
     return QStringView(u"+-*/=^()").contains(unit);
 }
 
+/// By Qt's tables, which are not those of the folding.
+bool isFoldedAway(char32_t character)
+{
+    const auto tag = QChar::decompositionTag(character);
+    return QChar::isMark(character) || tag == QChar::Wide || tag == QChar::Narrow;
+}
+
 void checkSpaces(const QString &form)
 {
     for (qsizetype place = 0; place < form.size(); ++place) {
@@ -59,6 +66,8 @@ void checkForm(const QString &text, const QString &form)
     if (hasLoneSurrogate(text))
         return;
     require(!hasLoneSurrogate(form), "no pair is torn");
+    const auto characters = form.toUcs4();
+    require(std::none_of(characters.begin(), characters.end(), isFoldedAway), "no mark and no width is left");
     require((normalizeStudyAnswer(form) == form) == !form.endsWith(u' '),
             "a form is its own form unless the punctuation has left a space");
 }
