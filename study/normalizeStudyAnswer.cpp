@@ -81,10 +81,10 @@ UChar32 ordinaryWidth(UChar32 character)
     return length == 1 ? mapped[0] : character;
 }
 
-/// Every combining mark, not only those without width: Unicode splits some vowel signs of one script into
-/// both sorts, and the enclosing ones (the box of a keycap emoji) are of neither meaning in an answer. A
-/// variation selector is one of them, so ❤ is the same in colour; a zero-width joiner and a skin tone are
-/// none.
+/// Every combining mark, with or without a width of its own: scripts have vowel signs of both sorts, and some
+/// signs of the one sort decompose into the other. The enclosing ones (the box of a keycap emoji) and the
+/// variation selectors go with them, so ❤ is the same in colour. A zero-width joiner, a bidi mark and a skin
+/// tone are no marks and stay.
 bool isMark(UChar32 character)
 {
     return (U_GET_GC_MASK(character) & U_GC_M_MASK) != 0;

@@ -106,29 +106,29 @@ private Q_SLOTS:
         row(u"1500"_s, u"1,5E+3"_s, true);
         row(u"0.0015"_s, u"1.5 e -3"_s, true);
         row(u"7"_s, u"007"_s, true);
-        // no numbers
-        row(u"1.0"_s, u"1e"_s, false);
-        row(u"1.0"_s, u"1e+"_s, false);
+        // no numbers, and so not 0 either
+        row(u"0.0|1.0"_s, u"1e"_s, false);
+        row(u"0.0|1.0"_s, u"1e+"_s, false);
         row(u"0.0"_s, u"+"_s, false);
         row(u"0.0"_s, u"-"_s, false);
         row(u"0.0"_s, u"."_s, false);
         row(u"0.0"_s, u"-."_s, false);
         row(u"0.0"_s, u"e0"_s, false);
         row(u"0.0"_s, u".e0"_s, false);
-        row(u"1.0"_s, u"--1"_s, false);
-        row(u"1.0"_s, u"+-1"_s, false);
-        row(u"1.2"_s, u"1.2.0"_s, false);
-        row(u"1.2"_s, u"1,2,"_s, false);
-        row(u"16.0"_s, u"0x10"_s, false);
-        row(u"1.0"_s, u"0x1p0"_s, false);
-        row(u"1.0"_s, u"1f"_s, false);
-        row(u"1.0"_s, u"1 %"_s, false);
-        row(u"12.0"_s, u"12 !"_s, false);
-        row(u"1.0"_s, u"\u0661"_s, false);  // Arabic-Indic one
-        row(u"1.0"_s, u"１,００"_s, false); // full width is folded for texts alone
-        row(u"-1.0"_s, u"\u22121"_s, false);
-        row(u"1000.0"_s, u"1\u00A0000"_s, false); // only the ordinary space goes
-        row(u"1000.0"_s, u"1\t000"_s, false);
+        row(u"0.0|1.0"_s, u"--1"_s, false);
+        row(u"0.0|1.0"_s, u"+-1"_s, false);
+        row(u"0.0|1.2"_s, u"1.2.0"_s, false);
+        row(u"0.0|1.2"_s, u"1,2,"_s, false);
+        row(u"0.0|16.0"_s, u"0x10"_s, false);
+        row(u"0.0|1.0"_s, u"0x1p0"_s, false);
+        row(u"0.0|1.0"_s, u"1f"_s, false);
+        row(u"0.0|1.0"_s, u"1 %"_s, false);
+        row(u"0.0|12.0"_s, u"12 !"_s, false);
+        row(u"0.0|1.0"_s, u"\u0661"_s, false);  // Arabic-Indic one
+        row(u"0.0|1.0"_s, u"１,００"_s, false); // full width is folded for texts alone
+        row(u"0.0|-1.0"_s, u"\u22121"_s, false);
+        row(u"0.0|1000.0"_s, u"1\u00A0000"_s, false); // only the ordinary space goes
+        row(u"0.0|1000.0"_s, u"1\t000"_s, false);
         row(u"1000.0"_s, u"\u00A01000\u3000"_s, true); // at the ends, any does
         row(u"1000.0"_s, u"1'000"_s, false);
         row(u"1.0"_s, u"1\0"_s, false);
@@ -172,6 +172,11 @@ private Q_SLOTS:
         QVERIFY(accepts(u"1"_s, zeros + u"1."_s + zeros));
         QVERIFY(accepts(u"1"_s, u"0."_s + zeros + u"1e100001"_s));
         QVERIFY(!accepts(u"1"_s, u"1"_s + zeros));
+    }
+
+    void anEmptyAnswerIsWrongWhateverIsKept()
+    {
+        QVERIFY(!acceptsAnswer(QString(), QStringList(QString()), u" ! "_s));
     }
 
     void theLocaleTakesNoPart()

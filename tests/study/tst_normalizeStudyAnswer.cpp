@@ -60,10 +60,8 @@ QString foldedByQt(const QString &text)
     }
     QString plain;
     for (const auto character : ordinary.normalized(QString::NormalizationForm_D).toUcs4()) {
-        const auto category = QChar::category(character);
         const auto one = char32_t(character);
-        if (category != QChar::Mark_NonSpacing && category != QChar::Mark_SpacingCombining &&
-            category != QChar::Mark_Enclosing)
+        if (!QChar::isMark(one))
             plain += QString::fromUcs4(&one, 1);
     }
     return plain.normalized(QString::NormalizationForm_C);
@@ -161,6 +159,7 @@ private Q_SLOTS:
         row("final sigma", u"ΟΔΥΣΣΕΎΣ"_s, u"οδυσσευς"_s);
         row("final sigma before a space", u"ΟΔΟΣ Α"_s, u"οδος α"_s);
         row("final sigma before a full stop", u"ΟΔΟΣ."_s, u"οδος"_s);
+        row("final sigma before a mark that is folded later", u"ΑΣ\u0903Α"_s, u"αςα"_s);
         row("sigma alone", u"Σ"_s, u"σ"_s);
         row("small sigma keeps its form", u"οδοσ οδος"_s, u"οδοσ οδος"_s);
         row("iota below is a mark", u"ᾳ"_s, u"α"_s);
