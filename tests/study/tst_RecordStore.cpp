@@ -63,7 +63,9 @@ private Q_SLOTS:
         QVERIFY(store.saveConfig(QuorvelConfig::defaults(), now).ok());
         QCOMPARE(files.steps,
                  (std::vector<QString>{u"aside config.json config.json.unreadable-20261120T201530Z"_s,
-                                       u"write config.json"_s, u"write config.json"_s}));
+                                       u"write config.json"_s,
+                                       u"aside config.json backups/config-20261120T201530Z.json"_s,
+                                       u"write config.json"_s}));
         QCOMPARE(files.files[u"config.json.unreadable-20261120T201530Z"_s],
                  "{\"studyMinutes\": \"many\"}"_ba);
     }

@@ -52,6 +52,10 @@ public:
     {
         return fails("fstat") ? -1 : FileCalls::fstat(file, status);
     }
+    int lstat(const char *path, struct stat *status) override
+    {
+        return fails("lstat") ? -1 : FileCalls::lstat(path, status);
+    }
     int rename(const char *from, const char *to) override
     {
         return fails("rename") ? -1 : FileCalls::rename(from, to);
@@ -68,6 +72,13 @@ public:
     ssize_t readlink(const char *path, char *buffer, std::size_t size) override
     {
         return fails("readlink") ? -1 : FileCalls::readlink(path, buffer, size);
+    }
+    DIR *opendir(const char *path) override { return fails("opendir") ? nullptr : FileCalls::opendir(path); }
+    dirent *readdir(DIR *folder) override { return fails("readdir") ? nullptr : FileCalls::readdir(folder); }
+    int closedir(DIR *folder) override
+    {
+        FileCalls::closedir(folder);
+        return fails("closedir") ? -1 : 0;
     }
 
 private:
