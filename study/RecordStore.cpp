@@ -68,6 +68,13 @@ Record RecordStore::load(const QString &name, Decode decode, const Record &fallb
     return fallback;
 }
 
+/// Whether a file that could not be read was taken away since, by its owner, or never was there.
+bool RecordStore::isGone(const QString &name)
+{
+    const auto present = m_files.read(name);
+    return present.ok() && !present.value();
+}
+
 template <typename Decode>
 Result<> RecordStore::save(const QString &name, const QByteArray &bytes, Decode decode, const QDateTime &now)
 {
@@ -77,6 +84,8 @@ Result<> RecordStore::save(const QString &name, const QByteArray &bytes, Decode 
         qCWarning(lcStudy).noquote() << name << "can no longer be read";
         m_notDecoded.insert(name);
     }
+    if (m_notDecoded.contains(name) && isGone(name))
+        m_notDecoded.remove(name);
     if (m_notDecoded.contains(name)) {
         const auto aside = u"%1.unreadable-%2"_s.arg(name, now.toUTC().toString(u"yyyyMMdd'T'HHmmss'Z'"_s));
         if (const auto kept = m_files.keepAside(name, aside); !kept.ok())

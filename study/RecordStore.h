@@ -38,6 +38,7 @@ private:
     Record load(const QString &name, Decode decode, const Record &fallback);
     template <typename Decode>
     Result<> save(const QString &name, const QByteArray &bytes, Decode decode, const QDateTime &now);
+    bool isGone(const QString &name);
 
     RecordFiles &m_files;
     RollingCopies m_copies;

@@ -116,13 +116,7 @@ void RollingCopies::keep(const QString &recordFile, const QByteArray &bytes, con
         m_failedAt.insert(recordFile, now);
         return;
     }
-    // A clock that was set back may come to the same second twice.
-    RollingCopy made{recordFile, recordTime(now)};
-    const auto isTaken = [&](const Copy &copy) {
-        return copy.file.name == rollingCopyName(made.of, made.time);
-    };
-    while (std::any_of(m_copies.cbegin(), m_copies.cend(), isTaken))
-        made.time = made.time.addSecs(1);
+    const RollingCopy made{recordFile, recordTime(now)}; // the name is free, or no copy were due
     const QString copy = rollingCopyName(made.of, made.time);
     if (const auto kept = m_files.keepAside(recordFile, pathOf(copy)); !kept) {
         qCWarning(lcStudy).noquote() << "no backup of" << recordFile << "could be made:" << kept.reason();

@@ -62,10 +62,9 @@ private Q_SLOTS:
         QVERIFY(store.saveConfig(QuorvelConfig::defaults(), now).ok());
         QVERIFY(store.saveConfig(QuorvelConfig::defaults(), now).ok());
         QCOMPARE(files.steps,
-                 (std::vector<QString>{u"aside config.json config.json.unreadable-20261120T201530Z"_s,
-                                       u"write config.json"_s,
-                                       u"aside config.json backups/config-20261120T201530Z.json"_s,
-                                       u"write config.json"_s}));
+                 (std::vector<QString>{
+                     u"aside config.json config.json.unreadable-20261120T201530Z"_s, u"write config.json"_s,
+                     u"aside config.json backups/config-20261120T201530Z.json"_s, u"write config.json"_s}));
         QCOMPARE(files.files[u"config.json.unreadable-20261120T201530Z"_s],
                  "{\"studyMinutes\": \"many\"}"_ba);
     }
@@ -101,6 +100,18 @@ private Q_SLOTS:
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"its old content is now"_s));
         QVERIFY(store.saveConfig(QuorvelConfig::defaults(), now).ok());
         QCOMPARE(files.files.size(), std::size_t(2));
+    }
+
+    void anUnreadableFileThatIsTakenAwayHindersNoSave()
+    {
+        FakeRecordFiles files;
+        files.files[u"config.json"_s] = "[]";
+        RecordStore store(files);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"could not be loaded and is kept"_s));
+        (void)store.loadConfig();
+        files.files.clear();
+        QVERIFY(store.saveConfig(QuorvelConfig::defaults(), now).ok());
+        QCOMPARE(files.steps, std::vector<QString>{u"write config.json"_s});
     }
 
     void failedWriteTellsTheReason()

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <functional>
 #include <limits>
 #include <map>
 
@@ -20,6 +21,8 @@ public:
     std::map<QByteArray, int> failures; ///< the errno with which every call of a name fails
     std::size_t longestWrite = std::numeric_limits<std::size_t>::max(); ///< bytes that one write() takes
     qint64 written = 0;                                                 ///< bytes in all
+    std::function<void(qsizetype step)>
+        beforeStep; ///< is told of every call before it is made, where it is set
 
     int open(const char *path, int flags, mode_t mode) override
     {
@@ -85,6 +88,8 @@ private:
     bool fails(const char *name)
     {
         steps.push_back(name);
+        if (beforeStep)
+            beforeStep(steps.size() - 1);
         const auto named = failures.find(name);
         const bool now = steps.size() - 1 == failingStep;
         if (now || named != failures.end())
