@@ -162,7 +162,14 @@ public:
     Tree tree() const { return treeOf(m_path); }
 
 private:
-    QTemporaryDir m_home;
+    // A disk would write out every file that is renamed, which takes minutes.
+    static QString place()
+    {
+        const QString memory = u"/dev/shm"_s;
+        return (QFileInfo(memory).isWritable() ? memory : QDir::tempPath()) + u"/tst_recordFaults-XXXXXX"_s;
+    }
+
+    QTemporaryDir m_home{place()};
     QString m_path;
 };
 
