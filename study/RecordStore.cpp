@@ -60,9 +60,9 @@ Record RecordStore::load(const QString &name, Decode decode, const Record &fallb
     const auto bytes = m_files.read(name);
     if (bytes.ok() && !bytes.value())
         return fallback;
-    const Result<Record> record = bytes.ok() ? decode(*bytes.value()) : Result<Record>(bytes.failure());
+    Result<Record> record = bytes.ok() ? decode(*bytes.value()) : Result<Record>(bytes.failure());
     if (record.ok())
-        return record.value();
+        return record.take();
     qCWarning(lcStudy).noquote() << name << "could not be loaded and is kept:" << record.reason();
     m_notDecoded.insert(name);
     return fallback;
