@@ -92,10 +92,8 @@ private:
 void thinByAge(std::vector<DatedFile> &copies, sys_seconds now)
 {
     std::map<QString, LastOfEachSpan> spans;
-    for (auto copy = copies.rbegin(); copy != copies.rend(); ++copy) {
-        const bool fromTheFuture = copy->time > now; // it must not stand for the last of this day
-        copy->stays = fromTheFuture || spans[copy->of].stays(copy->time, now - copy->time);
-    }
+    for (auto copy = copies.rbegin(); copy != copies.rend(); ++copy)
+        copy->stays = spans[copy->of].stays(copy->time, now - copy->time);
 }
 
 void thinBySize(std::vector<DatedFile> &copies, sys_seconds now)

@@ -17,8 +17,8 @@ struct ListedFile
     bool operator==(const ListedFile &) const = default;
 };
 
-/// The files of the program's data folder, by name; "FOLDER/NAME" is one of a folder in it. Nothing is created
-/// before the first write.
+/// The files of the program's data folder, by name; "FOLDER/NAME" is one of a folder in it. Nothing is
+/// created before the first write.
 class RecordFiles
 {
 public:
@@ -36,8 +36,8 @@ public:
     /// are there fewer bytes under it. Creates the folder of `asideName` where it is missing.
     virtual Result<> keepAside(const QString &name, const QString &asideName) = 0;
 
-    /// The plain files of a folder in the data folder, in no order; none where there is no such folder. Links,
-    /// folders and the like are left out.
+    /// The plain files of a folder in the data folder, in no order; none where there is no such folder.
+    /// Links, folders and the like are left out.
     virtual Result<std::vector<ListedFile>> list(const QString &folder) = 0;
 
     /// Removes a file. No failure where there is none.
