@@ -71,6 +71,17 @@ struct ControllerHarness
         return start();
     }
 
+    /// The record files that were written, in order; their rolling copies are not among them.
+    QStringList saves() const
+    {
+        QStringList names;
+        for (const auto &step : files.steps) {
+            if (step.startsWith(u"write "))
+                names.append(step.sliced(6));
+        }
+        return names;
+    }
+
     /// Types a card into the editor and adds it.
     void addCard(const QString &prompt, const QString &expectedAnswer, const QString &topic = {})
     {

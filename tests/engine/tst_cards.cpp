@@ -42,8 +42,7 @@ private Q_SLOTS:
         QCOMPARE(card.wrongCount, 0);
         QVERIFY(!card.lastAskedAt && !card.lastCorrectAt);
         QCOMPARE(harness.storedCards(), controller.studyCards());
-        QCOMPARE(harness.files.steps,
-                 (std::vector<QString>{u"write study-cards.json"_s, u"write study-cards.json"_s}));
+        QCOMPARE(harness.saves(), QStringList({u"study-cards.json"_s, u"study-cards.json"_s}));
     }
 
     void addingClearsTheEditorAndTellsSo()
@@ -148,7 +147,7 @@ private Q_SLOTS:
         QCOMPARE(prompts(controller.studyCards()), QStringList{u"other"_s});
         QCOMPARE(harness.storedCards(), controller.studyCards());
         QCOMPARE(harness.events(), QStringList{u"Card deleted."_s});
-        QCOMPARE(harness.files.steps, std::vector<QString>{u"write study-cards.json"_s});
+        QCOMPARE(harness.saves(), QStringList{u"study-cards.json"_s});
     }
 
     void deletingAnUnknownCardSavesAndLogsAllTheSame()
@@ -158,7 +157,7 @@ private Q_SLOTS:
         auto &controller = harness.start();
         controller.deleteStudyCard(ControllerHarness::card(u"stranger"_s, u"1"_s));
         QCOMPARE(controller.studyCards().size(), size_t(1));
-        QCOMPARE(harness.files.steps, std::vector<QString>{u"write study-cards.json"_s});
+        QCOMPARE(harness.saves(), QStringList{u"study-cards.json"_s});
         QCOMPARE(harness.events(), QStringList{u"Card deleted."_s});
     }
 

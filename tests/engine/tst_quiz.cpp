@@ -282,7 +282,7 @@ private Q_SLOTS:
                  u"Correct. Start a study session to count cards toward a break."_s);
         QCOMPARE(quiz.events(), QStringList{u"Card answered correctly outside study session."_s});
         QCOMPARE(controller.userProgress(), UserProgress());
-        QCOMPARE(quiz.files.steps, std::vector<QString>{u"write study-cards.json"_s});
+        QCOMPARE(quiz.saves(), QStringList{u"study-cards.json"_s});
         QCOMPARE(quiz.storedCards(), controller.studyCards());
     }
 
@@ -407,7 +407,8 @@ private Q_SLOTS:
                  QStringList({u"Card proof completed: "_s + proven.prompt, u"+10 XP. Card proof completed."_s,
                               u"Level up: Focus Scout."_s, u"Study session started."_s}));
         QCOMPARE(quiz.storedProgress(), controller.userProgress());
-        QCOMPARE(quiz.files.steps.front(), u"write study-cards.json"_s);
+        QCOMPARE(quiz.saves(),
+                 QStringList({u"study-cards.json"_s, u"progress.json"_s, u"progress.json"_s}));
         QCOMPARE(controller.mode(), Mode::Studying);
         quiz.controller->setLanguage(AppLanguage::Russian);
         quiz.answerRightly();

@@ -93,8 +93,7 @@ private Q_SLOTS:
         QCOMPARE(harness.events(),
                  QStringList({u"Task completed: read"_s, u"+3 XP. Study task completed."_s,
                               u"Level up: Prep Rookie."_s}));
-        QCOMPARE(harness.files.steps,
-                 (std::vector<QString>{u"write study-tasks.json"_s, u"write progress.json"_s}));
+        QCOMPARE(harness.saves(), QStringList({u"study-tasks.json"_s, u"progress.json"_s}));
     }
 
     void tickingATickedTaskStampsAndEarnsAgain()
@@ -175,7 +174,7 @@ private Q_SLOTS:
         QCOMPARE(controller.completedTaskCount(), 0);
         QCOMPARE(harness.storedTasks(), controller.studyTasks());
         QCOMPARE(harness.events(), QStringList{u"Cleared %1 completed tasks."_s.arg(completed)});
-        QCOMPARE(harness.files.steps, std::vector<QString>{u"write study-tasks.json"_s});
+        QCOMPARE(harness.saves(), QStringList{u"study-tasks.json"_s});
     }
 
     void deletingLogsExactlyOneEventAndTakesNoXP()
