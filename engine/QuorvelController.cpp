@@ -49,8 +49,11 @@ void QuorvelController::loadStoredState()
     m_quizFeedback = text(u"quiz_initial");
     m_aiOutputText = text(u"ai_initial");
 
+    m_studyTasks.replaceAll(m_records.loadStudyTasks());
+    m_studyCards.replaceAll(m_records.loadStudyCards());
     m_userProgress = m_records.loadUserProgress();
 
+    selectNextStudyCard(false);
     syncDraftsFromConfig();
     loadTodayStats();
     m_studyRemaining = checkedSeconds(config().studyMinutes, "study minutes");
@@ -58,7 +61,13 @@ void QuorvelController::loadStoredState()
 
 void QuorvelController::bindDerivedFields()
 {
-    const auto required = [this] { return m_config.value().requiredProofsToUnlock; };
+    const auto required = [this] { return m_requiredProofsToUnlock.value(); };
+
+    // First, so that what reads them reads no stale value.
+    m_requiredProofsToUnlock.setBinding([this] { return m_config.value().requiredProofsToUnlock; });
+    bindCardFields();
+    m_readinessIsShort.setBinding(
+        [this, required] { return StatusTexts::lacksCards(required(), m_topicCardCount); });
 
     m_isBlockingActive.setBinding([this] { return m_mode == Mode::Studying || m_mode == Mode::Locked; });
     m_modeText.setBinding([this] { return StatusTexts::modeName(m_mode, m_language); });

@@ -5,8 +5,8 @@
 #include "Preferences.h"
 #include "QuorvelConfig.h"
 #include "RecordStore.h"
-#include "StudyCard.h"
-#include "StudyTask.h"
+#include "StudyCardModel.h"
+#include "StudyTaskModel.h"
 #include "UserProgress.h"
 #include "publishedField.h"
 
@@ -77,6 +77,9 @@ public:
     QUORVEL_PUBLISHED(qint64, studyTasksRevision, StudyTasksRevision, 0) ///< grows with every change of studyTasks()
     QUORVEL_PUBLISHED(qint64, studyCardsRevision, StudyCardsRevision, 0) ///< grows with every change of studyCards()
     QUORVEL_PUBLISHED(qint64, topicCardCount, TopicCardCount, 0)         ///< cards that match the current topic
+    QUORVEL_PUBLISHED(qint64, completedTaskCount, CompletedTaskCount, 0)
+    QUORVEL_PUBLISHED(qint64, requiredProofsToUnlock, RequiredProofsToUnlock, 0) ///< cards that a break needs; 0: none
+    QUORVEL_PUBLISHED(bool, readinessIsShort, ReadinessIsShort, false)   ///< whether cards are missing for a session
     QUORVEL_PUBLISHED(qint64, currentSessionCardProofCount, CurrentSessionCardProofCount, 0) ///< distinct cards proven in this session
     QUORVEL_PUBLISHED(QString, quizFeedback, QuizFeedback, QString())
     QUORVEL_PUBLISHED(QString, aiOutputText, AiOutputText, QString())
@@ -120,6 +123,9 @@ public:
     QUORVEL_PUBLISHED(double, sessionProgress, SessionProgress, 0.0) ///< part that is over, 0 to 1
     QUORVEL_PUBLISHED(QString, focusSubtitle, FocusSubtitle, QString())
     QUORVEL_PUBLISHED(QString, blockedAppSummaryText, BlockedAppSummaryText, QString())
+    QUORVEL_PUBLISHED(QString, activeTopicDisplay, ActiveTopicDisplay, QString()) ///< current topic, or that all are meant
+    QUORVEL_PUBLISHED(QString, cardProofText, CardProofText, QString())    ///< what the cards are asked for
+    QUORVEL_PUBLISHED(QString, cardBankText, CardBankText, QString())      ///< how many cards there are and match
     QUORVEL_PUBLISHED(QString, progressSummaryText, ProgressSummaryText, QString())
     QUORVEL_PUBLISHED(QString, modeText, ModeText, QString()) ///< display word of the mode
     QUORVEL_PUBLISHED(QString, levelText, LevelText, QString())
@@ -134,7 +140,11 @@ public:
     Q_PROPERTY(bool hasSignedInEmail READ hasSignedInEmail NOTIFY signedInEmailChanged)
     Q_PROPERTY(QString quizRevealedAnswer READ quizRevealedAnswerText NOTIFY quizRevealedAnswerChanged)
     Q_PROPERTY(bool hasQuizRevealedAnswer READ hasQuizRevealedAnswer NOTIFY quizRevealedAnswerChanged)
+    Q_PROPERTY(StudyCard activeStudyCard READ activeStudyCardOrEmpty NOTIFY activeStudyCardChanged)
     Q_PROPERTY(bool hasActiveStudyCard READ hasActiveStudyCard NOTIFY activeStudyCardChanged)
+
+    Q_PROPERTY(StudyCardModel *studyCardModel READ studyCardModel CONSTANT)
+    Q_PROPERTY(StudyTaskModel *studyTaskModel READ studyTaskModel CONSTANT)
 
 public:
     /// Loads everything that is stored, migrates the blocklists where they are older than the built-in ones
@@ -144,8 +154,8 @@ public:
 
     const QuorvelConfig &config() const { return m_config.value(); }
     const UserProgress &userProgress() const { return m_userProgress.value(); }
-    const std::vector<StudyCard> &studyCards() const { return m_studyCards; }
-    const std::vector<StudyTask> &studyTasks() const { return m_studyTasks; }
+    const std::deque<StudyCard> &studyCards() const { return m_studyCards.bank().cards(); } ///< newest first
+    const std::deque<StudyTask> &studyTasks() const { return m_studyTasks.tasks(); }        ///< newest first
     const std::optional<StudyCard> &activeStudyCard() const { return m_activeStudyCard.value(); }
     const std::optional<QString> &signedInEmail() const { return m_signedInEmail.value(); }
     const std::optional<QString> &quizRevealedAnswer() const { return m_quizRevealedAnswer.value(); }
@@ -154,7 +164,11 @@ public:
     bool hasSignedInEmail() const { return signedInEmail().has_value(); }
     QString quizRevealedAnswerText() const { return quizRevealedAnswer().value_or(QString()); }
     bool hasQuizRevealedAnswer() const { return quizRevealedAnswer().has_value(); }
+    StudyCard activeStudyCardOrEmpty() const { return activeStudyCard().value_or(StudyCard()); }
     bool hasActiveStudyCard() const { return activeStudyCard().has_value(); }
+
+    StudyCardModel *studyCardModel() { return &m_studyCards; }
+    StudyTaskModel *studyTaskModel() { return &m_studyTasks; }
 
     // Session commands (session.cpp)
     Q_INVOKABLE void startStudy();
@@ -163,7 +177,36 @@ public:
     /// Begins a break of `minutes`, at least one, from any mode; a running session is given up.
     Q_INVOKABLE void unlockManualBreak(qint64 minutes);
 
+    // Cards (cards.cpp)
+    /// Adds a card from the three editor fields; without a topic it gets the current one, if there is one.
+    Q_INVOKABLE void addStudyCard();
+    /// Removes every card of that id.
+    Q_INVOKABLE void deleteStudyCard(const StudyCard &card);
+    /// In list order; all cards where no topic is set.
+    std::vector<StudyCard> cardsMatchingCurrentTopic() const;
+
+    // Quiz (quiz.cpp)
+    /// Asks the weakest card of the current topic that has not counted in this session yet. `log`: whether
+    /// the user asked for it and is told so.
+    Q_INVOKABLE void selectNextStudyCard(bool log);
+    Q_INVOKABLE void submitQuizAnswer();
+    Q_INVOKABLE void revealQuizAnswer();
+
+    // Study plan (tasks.cpp)
+    Q_INVOKABLE void addStudyTask();
+    /// Ticks the first task of that id, also one that is ticked already.
+    Q_INVOKABLE void completeStudyTask(const StudyTask &task);
+    Q_INVOKABLE void reopenStudyTask(const StudyTask &task);
+    Q_INVOKABLE void clearCompletedTasks();
+    /// Removes every task of that id.
+    Q_INVOKABLE void deleteStudyTask(const StudyTask &task);
+    /// In list order.
+    std::vector<StudyTask> completedStudyTasks() const;
+
     // Settings (settings.cpp)
+    /// Puts the drafts in force, as far as they make sense, and shows in them what is in force then.
+    Q_INVOKABLE void saveSettings();
+    Q_INVOKABLE void resetDefaultSettings();
     Q_INVOKABLE void mergeDefaultBlocklists();
     Q_INVOKABLE void setProModeEnabled(bool enabled);
 
@@ -204,6 +247,7 @@ Q_SIGNALS:
 
 private:
     void bindDerivedFields();
+    void bindCardFields();
     void bindProgressFields();
     void loadStoredState();
 
@@ -229,17 +273,26 @@ private:
     void loadTodayStats();
     void saveTodayStats(Durability durability);
 
+    void noteCardsChanged();
+    void judgeActiveCard(int row, const QString &answer);
+    void addQuizProof(const StudyCard &card);
+    void countQuizProof(const StudyCard &card);
+    bool isOnCurrentTopic(const StudyCard &card) const;
+    void noteTasksChanged();
+
     void migrateBlocklistsIfNeeded();
     void syncDraftsFromConfig();
+    void followChangedSettings();
     void saveConfig();
+    void saveStudyTasks();
+    void saveStudyCards();
     void saveUserProgress();
+    void tellFailedSave(const QString &what, const Result<> &saved);
 
     void refreshLocalizedRuntimeText();
     void enterWithoutAccount(AccessMode mode, const QString &status);
     QString text(QStringView key) const;
     QString inBoth(const QString &english, const QString &russian) const;
-
-    friend struct ControllerState; // tests set up states that take an hour of study to reach
 
     ControllerPorts m_ports;
     RecordStore m_records;
@@ -252,8 +305,8 @@ private:
     Q_OBJECT_BINDABLE_PROPERTY(Self, std::optional<QString>, m_quizRevealedAnswer,
                                &Self::quizRevealedAnswerChanged)
     Q_OBJECT_BINDABLE_PROPERTY(Self, std::optional<QString>, m_signedInEmail, &Self::signedInEmailChanged)
-    std::vector<StudyCard> m_studyCards; ///< newest first
-    std::vector<StudyTask> m_studyTasks; ///< newest first
+    StudyCardModel m_studyCards;
+    StudyTaskModel m_studyTasks;
 
     QString m_currentDayKey; ///< the day that today's counters belong to
     std::unordered_map<qint32, std::chrono::nanoseconds>

@@ -36,6 +36,8 @@ void QuorvelController::startStudy()
     m_currentSessionCardProofCount = 0;
     m_focusSecondsSinceXPAward = 0;
     m_mode = Mode::Studying;
+    if (!activeStudyCard())
+        selectNextStudyCard(false);
     addEvent(u"Study session started."_s);
     m_statusMessage = m_studyStartMessage.value();
     tick();

@@ -1,6 +1,7 @@
 // The settings: migration, merging, saving, and the drafts that the interface edits.
 #include "Clock.h"
 #include "QuorvelController.h"
+#include "checkedArithmetic.h"
 #include "preferenceKeys.h"
 #include "settingsDrafts.h"
 
@@ -12,6 +13,39 @@ void QuorvelController::migrateBlocklistsIfNeeded()
         return;
     m_config = withBuiltInBlocklists(config());
     saveConfig();
+}
+
+void QuorvelController::saveSettings()
+{
+    m_config = configFrom({.studyMinutesText = m_studyMinutesText,
+                           .breakMinutesText = m_breakMinutesText,
+                           .maxIdleSecondsText = m_maxIdleSecondsText,
+                           .requiredProofsText = m_requiredProofsText,
+                           .blockedAppsText = m_blockedAppsText,
+                           .blockedDomainsText = m_blockedDomainsText,
+                           .allowedStudyDomainsText = m_allowedStudyDomainsText,
+                           .allowedStudyAppsText = m_allowedStudyAppsText},
+                          config());
+    saveConfig();
+    syncDraftsFromConfig();
+    addEvent(u"Settings saved."_s);
+    followChangedSettings();
+}
+
+void QuorvelController::resetDefaultSettings()
+{
+    m_config = QuorvelConfig::defaults();
+    saveConfig();
+    syncDraftsFromConfig();
+    addEvent(u"Default settings restored."_s);
+    followChangedSettings();
+}
+
+void QuorvelController::followChangedSettings()
+{
+    // A running clock goes on as it is.
+    if (m_mode == Mode::Ready || m_mode == Mode::Locked)
+        m_studyRemaining = checkedSeconds(config().studyMinutes, "study minutes");
 }
 
 void QuorvelController::mergeDefaultBlocklists()
@@ -44,12 +78,26 @@ void QuorvelController::syncDraftsFromConfig()
 
 void QuorvelController::saveConfig()
 {
-    if (const auto saved = m_records.saveConfig(config(), m_ports.clock.now()); !saved.ok())
-        addEvent(u"Could not save settings: "_s + saved.reason());
+    tellFailedSave(u"settings"_s, m_records.saveConfig(config(), m_ports.clock.now()));
+}
+
+void QuorvelController::saveStudyTasks()
+{
+    tellFailedSave(u"tasks"_s, m_records.saveStudyTasks(studyTasks(), m_ports.clock.now()));
+}
+
+void QuorvelController::saveStudyCards()
+{
+    tellFailedSave(u"cards"_s, m_records.saveStudyCards(studyCards(), m_ports.clock.now()));
 }
 
 void QuorvelController::saveUserProgress()
 {
-    if (const auto saved = m_records.saveUserProgress(userProgress(), m_ports.clock.now()); !saved.ok())
-        addEvent(u"Could not save progress: "_s + saved.reason());
+    tellFailedSave(u"progress"_s, m_records.saveUserProgress(userProgress(), m_ports.clock.now()));
+}
+
+void QuorvelController::tellFailedSave(const QString &what, const Result<> &saved)
+{
+    if (!saved.ok())
+        addEvent(u"Could not save "_s + what + u": "_s + saved.reason());
 }

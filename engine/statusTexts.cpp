@@ -19,11 +19,6 @@ QString plural(qint64 count)
     return count == 1 ? QString() : u"s"_s;
 }
 
-bool lacksCards(qint64 required, qint64 matching)
-{
-    return required > 0 && matching < required;
-}
-
 } // namespace
 
 QString StatusTexts::modeName(Mode mode, AppLanguage language)
@@ -46,6 +41,11 @@ bool StatusTexts::canStartStudy(Mode mode, qint64 required, qint64 matching)
     if (mode == Mode::Studying)
         return false;
     return required == 0 || matching >= required;
+}
+
+bool StatusTexts::lacksCards(qint64 required, qint64 matching)
+{
+    return required > 0 && matching < required;
 }
 
 QString StatusTexts::startReadiness(Mode mode, qint64 required, qint64 matching, AppLanguage language)
@@ -105,6 +105,23 @@ QString StatusTexts::proofPolicy(qint64 required, AppLanguage language)
         return inLanguage(language, number(required) + u" card"_s + plural(required),
                           u"Карточек: "_s + number(required));
     return L10n::t(u"timer_only", language);
+}
+
+QString StatusTexts::cardProof(qint64 required, AppLanguage language)
+{
+    if (required > 0)
+        return inLanguage(language,
+                          u"Solve "_s + number(required) + u" unique card"_s + plural(required) +
+                              u" in the current topic."_s,
+                          u"Реши уникальных карточек по теме: "_s + number(required) + u"."_s);
+    return L10n::t(u"proof_off", language);
+}
+
+QString StatusTexts::cardBank(qint64 total, qint64 matching, AppLanguage language)
+{
+    return inLanguage(language,
+                      number(total) + u" total, "_s + number(matching) + u" matching current topic."_s,
+                      u"Всего: "_s + number(total) + u", по текущей теме: "_s + number(matching) + u"."_s);
 }
 
 QString StatusTexts::primaryTimerTitle(Mode mode, AppLanguage language)

@@ -13,11 +13,19 @@ using Mode = QuorvelController::Mode;
 QString modeName(Mode mode, AppLanguage language);
 
 bool canStartStudy(Mode mode, qint64 required, qint64 matching);
+/// Whether a session would need more cards of the current topic than there are.
+bool lacksCards(qint64 required, qint64 matching);
+
 QString startReadiness(Mode mode, qint64 required, qint64 matching, AppLanguage language);
 QString studyStart(qint64 required, AppLanguage language);
 QString proofWait(qint64 required, qint64 proofs, AppLanguage language);
 QString proofProgress(qint64 required, qint64 proofs, AppLanguage language);
 QString proofPolicy(qint64 required, AppLanguage language);
+
+/// What the cards are asked for: how many count, or that none has to.
+QString cardProof(qint64 required, AppLanguage language);
+/// How many cards there are and how many of them match the current topic.
+QString cardBank(qint64 total, qint64 matching, AppLanguage language);
 
 QString primaryTimerTitle(Mode mode, AppLanguage language);
 

@@ -2,9 +2,13 @@
 
 #include "QuorvelConfig.h"
 #include "Result.h"
+#include "StudyCard.h"
+#include "StudyTask.h"
 #include "UserProgress.h"
 
 #include <QByteArray>
+
+#include <deque>
 
 /// The JSON forms of the records: UTF-8, compact, keys in the order of the fields, integers exact to 64 bits.
 /// Reading passes over unknown keys and fails, with a reason for the log, on anything of the wrong type.
@@ -20,3 +24,12 @@ QByteArray encodeUserProgress(const UserProgress &progress);
 
 /// Every key but "lastCompletedStudyDay" is required.
 Result<UserProgress> decodeUserProgress(const QByteArray &json);
+
+/// Leave out what a card or a task has not. Ids are in upper case, times as "2026-11-20T20:15:30Z".
+QByteArray encodeStudyCards(const std::deque<StudyCard> &cards);
+QByteArray encodeStudyTasks(const std::deque<StudyTask> &tasks);
+
+/// One record that lacks a required key or has a wrong type fails the whole list. Optional keys may be
+/// missing or null.
+Result<std::deque<StudyCard>> decodeStudyCards(const QByteArray &json);
+Result<std::deque<StudyTask>> decodeStudyTasks(const QByteArray &json);
