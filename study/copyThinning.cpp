@@ -28,7 +28,8 @@ std::optional<QDateTime> readShortTime(const QByteArray &text)
     return readRecordTime(std::string_view(spread.constData(), std::size_t(spread.size())));
 }
 
-/// How far apart the copies are that a copy stands between. Where room is short, those close together go first.
+/// How far apart the copies are that a copy stands between. Where room is short, those close together go
+/// first.
 enum class Rank { OneOfADay, LastOfDay, LastOfWeek, LastOfMonth };
 
 struct DatedFile

@@ -264,9 +264,9 @@ void tst_copyThinning::whereRoomIsShortHoursGoBeforeDaysAndDaysBeforeWeeks()
     const auto add = [&](const char *time) {
         files.push_back({rollingCopyName(cards, at(QString::fromLatin1(time))), mostCopyBytes / 5});
     };
-    for (const auto *time : {"2026-09-30 10:00:00", "2026-10-25 10:00:00", "2026-11-15 10:00:00",
-                             "2026-11-19 10:00:00", "2026-11-20 21:00:00", "2026-11-21 18:00:00",
-                             "2026-11-21 19:00:00", "2026-11-21 20:00:00"})
+    for (const auto *time :
+         {"2026-09-30 10:00:00", "2026-10-25 10:00:00", "2026-11-15 10:00:00", "2026-11-19 10:00:00",
+          "2026-11-20 21:00:00", "2026-11-21 18:00:00", "2026-11-21 19:00:00", "2026-11-21 20:00:00"})
         add(time);
     const auto removed = [&] { return copiesToRemove(files, now); };
     // Of today only the last is left, then a day of this week goes; September's and October's last stay.
