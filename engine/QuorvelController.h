@@ -19,10 +19,13 @@
 #include <unordered_map>
 #include <vector>
 
+class BackendClient;
 class BrowserScripting;
 class Clock;
 class RunningApplications;
 class SystemIdle;
+class UrlOpener;
+struct AIStudySuggestion;
 struct RunningApplication;
 
 /// What the controller needs of the world outside. Everything lives at least as long as the controller.
@@ -34,6 +37,8 @@ struct ControllerPorts
     BrowserScripting &browsers;
     Preferences &preferences;
     RecordFiles &files;
+    BackendClient &backend;
+    UrlOpener &urls;
 };
 
 /// Whether a second of study counts; the reason, in the user's language, is empty exactly when it does.
@@ -212,10 +217,24 @@ public:
 
     // Language and account (language.cpp, account.cpp)
     Q_INVOKABLE void setLanguage(AppLanguage language);
+    Q_INVOKABLE void requestEmailCode();
+    Q_INVOKABLE void verifyEmailCode();
+    /// Opens the sign-in page of "yandex", or for any other text that of Google, in the user's browser.
+    Q_INVOKABLE void openOAuth(const QString &provider);
+    /// Ends a sign-in through the browser. `url` as it came.
+    void handleAuthCallback(const QString &url);
     Q_INVOKABLE void continueAsGuest();
     Q_INVOKABLE void signOut();
     static AppLanguage loadLanguage(const Preferences &preferences);
     static AccessMode loadAccessMode(const Preferences &preferences);
+
+    // Coach (coach.cpp)
+    /// Asks the backend, or without an account the local pack; nothing while a request is under way.
+    Q_INVOKABLE void generateAIPlanAndCards();
+    Q_INVOKABLE void addLocalCoachPack();
+    /// `source` names, for the user, where the suggestion comes from.
+    void applyAISuggestion(const AIStudySuggestion &suggestion, const QString &source);
+    QString aiSummaryText(const QString &source, const AIStudySuggestion &suggestion) const;
 
     /// One heartbeat: looks at the desktop, enforces blocking where it is on, and moves the clock of the
     /// mode.
