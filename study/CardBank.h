@@ -1,6 +1,7 @@
 #pragma once
 
 #include "StudyCard.h"
+#include "TopicIndex.h"
 
 #include <QHash>
 #include <QSet>
@@ -46,5 +47,12 @@ public:
     void judge(int row, bool correct, const QDateTime &now);
 
 private:
+    const TopicIndex &topics() const;
+    template <typename Visit>
+    void visitTopic(const QString &topic, Visit visit) const;
+
     std::deque<StudyCard> m_cards;
+    mutable std::optional<TopicIndex> m_topics; ///< none until a topic is asked for
+    mutable QHash<QString, QStringList>
+        m_acceptedAnswers; ///< by expected answer, of the cards that were asked
 };
