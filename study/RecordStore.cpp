@@ -15,6 +15,16 @@ QString configName()
     return u"config.json"_s;
 }
 
+QString studyTasksName()
+{
+    return u"study-tasks.json"_s;
+}
+
+QString studyCardsName()
+{
+    return u"study-cards.json"_s;
+}
+
 QString progressName()
 {
     return u"progress.json"_s;
@@ -31,6 +41,16 @@ QuorvelConfig RecordStore::loadConfig()
     return load(configName(), decodeConfig, QuorvelConfig::defaults());
 }
 
+std::deque<StudyTask> RecordStore::loadStudyTasks()
+{
+    return load(studyTasksName(), decodeStudyTasks, std::deque<StudyTask>());
+}
+
+std::deque<StudyCard> RecordStore::loadStudyCards()
+{
+    return load(studyCardsName(), decodeStudyCards, std::deque<StudyCard>());
+}
+
 UserProgress RecordStore::loadUserProgress()
 {
     return load(progressName(), decodeUserProgress, UserProgress());
@@ -39,6 +59,16 @@ UserProgress RecordStore::loadUserProgress()
 Result<> RecordStore::saveConfig(const QuorvelConfig &config, const QDateTime &now)
 {
     return save(configName(), encodeConfig(config), now);
+}
+
+Result<> RecordStore::saveStudyTasks(const std::deque<StudyTask> &tasks, const QDateTime &now)
+{
+    return save(studyTasksName(), encodeStudyTasks(tasks), now);
+}
+
+Result<> RecordStore::saveStudyCards(const std::deque<StudyCard> &cards, const QDateTime &now)
+{
+    return save(studyCardsName(), encodeStudyCards(cards), now);
 }
 
 Result<> RecordStore::saveUserProgress(const UserProgress &progress, const QDateTime &now)
