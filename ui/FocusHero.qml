@@ -104,6 +104,12 @@ Panel {
         Layout.topMargin: 20
     }
 
+    TopicField {
+        Layout.fillWidth: true
+        Layout.topMargin: 16
+        controller: hero.controller
+    }
+
     StatusLine {
         Layout.fillWidth: true
         Layout.topMargin: 7

@@ -14,6 +14,7 @@ ColumnLayout {
 
     readonly property bool narrow: width < AppTheme.narrowContent
 
+    Layout.fillWidth: true
     spacing: AppTheme.blockGap
 
     FocusHero {
@@ -24,7 +25,7 @@ ColumnLayout {
 
     GridLayout {
         Layout.fillWidth: true
-        columns: page.narrow ? 2 : 4
+        columns: page.narrow ? 2 : 3
         columnSpacing: AppTheme.tileGap
         rowSpacing: AppTheme.tileGap
 
@@ -44,6 +45,24 @@ ColumnLayout {
             iconName: "check-seal"
             title: L10n.t("sessions", page.controller.language)
             value: page.controller.completedSessions
+        }
+
+        MetricTile {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            Layout.preferredWidth: 1
+            iconName: "check-circle"
+            title: L10n.t("card_proof", page.controller.language)
+            value: page.controller.proofProgressText
+        }
+
+        MetricTile {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            Layout.preferredWidth: 1
+            iconName: "tag"
+            title: L10n.t("topic_cards", page.controller.language)
+            value: page.controller.topicCardCount
         }
 
         MetricTile {
@@ -97,6 +116,26 @@ ColumnLayout {
             iconName: "blocked"
             title: L10n.t("blocked_apps", page.controller.language)
             value: page.controller.blockedAppSummaryText
+        }
+    }
+
+    GridLayout {
+        Layout.fillWidth: true
+        columns: page.narrow ? 1 : 2
+        columnSpacing: AppTheme.blockGap
+        rowSpacing: AppTheme.blockGap
+
+        QuizPanel {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            controller: page.controller
+        }
+
+        PlanPreview {
+            Layout.fillWidth: page.narrow
+            Layout.fillHeight: true
+            Layout.preferredWidth: page.narrow ? -1 : Math.max(300, Math.min(420, page.width * 0.34))
+            controller: page.controller
         }
     }
 

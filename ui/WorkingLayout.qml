@@ -1,15 +1,17 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Layouts
 import Quorvel.Ui
 
-/// The sidebar and the page beside it.
+/// The sidebar and the page of the selected section beside it.
 FocusScope {
     id: layout
 
     required property QuorvelController controller
     required property DesktopSupport desktopSupport
+    required property int selection
+
+    signal chosen(int section)
 
     Sidebar {
         id: sidebar
@@ -18,45 +20,69 @@ FocusScope {
         anchors.top: parent.top
         anchors.bottom: parent.bottom
         controller: layout.controller
+        selection: layout.selection
+        onChosen: section => layout.chosen(section)
     }
 
-    PageScroller {
-        id: scroller
-
+    Loader {
         anchors.left: sidebar.right
         anchors.right: parent.right
         anchors.top: parent.top
         anchors.bottom: parent.bottom
         focus: true
-        content: page
+        sourceComponent: {
+            switch (layout.selection) {
+            case ProductSection.Cards:
+                return cards;
+            case ProductSection.Plan:
+                return plan;
+            case ProductSection.Rules:
+                return rules;
+            default:
+                return focusPage;
+            }
+        }
+    }
 
-        Item {
-            id: page
+    Component {
+        id: focusPage
 
-            width: scroller.width
-            implicitHeight: column.implicitHeight + 2 * AppTheme.pageMargin
+        SectionPage {
+            controller: layout.controller
+            section: ProductSection.Focus
 
-            ColumnLayout {
-                id: column
+            FocusPage {
+                controller: layout.controller
+                desktopSupport: layout.desktopSupport
+            }
+        }
+    }
 
-                anchors.left: parent.left
-                anchors.right: parent.right
-                anchors.top: parent.top
-                anchors.margins: AppTheme.pageMargin
-                spacing: AppTheme.titleGap
+    Component {
+        id: cards
 
-                CommandBar {
-                    Layout.fillWidth: true
-                    controller: layout.controller
-                    title: L10n.t("focus_title", layout.controller.language)
-                    subtitle: L10n.t("focus_subtitle", layout.controller.language)
-                }
+        CardsWorkspace {
+            controller: layout.controller
+        }
+    }
 
-                FocusPage {
-                    Layout.fillWidth: true
-                    controller: layout.controller
-                    desktopSupport: layout.desktopSupport
-                }
+    Component {
+        id: plan
+
+        PlanWorkspace {
+            controller: layout.controller
+        }
+    }
+
+    Component {
+        id: rules
+
+        SectionPage {
+            controller: layout.controller
+            section: ProductSection.Rules
+
+            RulesWorkspace {
+                controller: layout.controller
             }
         }
     }
@@ -71,5 +97,11 @@ FocusScope {
         sequence: "Ctrl+S"
         enabled: layout.enabled && layout.controller.canStartStudy
         onActivated: layout.controller.startStudy()
+    }
+
+    Shortcut {
+        sequence: "Ctrl+Shift+S"
+        enabled: layout.enabled && layout.selection === ProductSection.Rules
+        onActivated: layout.controller.saveSettings()
     }
 }

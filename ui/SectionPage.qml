@@ -1,0 +1,40 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Quorvel.Ui
+
+/// The page of a section: the command bar, and under it the section's workspace.
+PageScroller {
+    id: scroller
+
+    required property QuorvelController controller
+    required property int section
+    default property alias workspace: column.data
+
+    focus: true
+    content: page
+
+    Item {
+        id: page
+
+        width: scroller.width
+        implicitHeight: column.implicitHeight + 2 * AppTheme.pageMargin
+
+        ColumnLayout {
+            id: column
+
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.top: parent.top
+            anchors.margins: AppTheme.pageMargin
+            spacing: AppTheme.titleGap
+
+            CommandBar {
+                Layout.fillWidth: true
+                controller: scroller.controller
+                section: scroller.section
+            }
+        }
+    }
+}
