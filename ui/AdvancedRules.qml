@@ -20,57 +20,48 @@ Panel {
         text: L10n.t("simple_mode_note", rules.controller.language)
     }
 
-    Loader {
+    GridLayout {
         Layout.fillWidth: true
-        active: rules.controller.proModeEnabled
-        visible: active
-        sourceComponent: editors
-    }
+        visible: rules.controller.proModeEnabled
+        columns: rules.width < 640 ? 1 : 2
+        columnSpacing: 16
+        rowSpacing: 18
 
-    Component {
-        id: editors
+        RuleEditor {
+            Layout.fillWidth: true
+            Layout.preferredWidth: 1
+            Layout.alignment: Qt.AlignTop
+            label: L10n.t("blocked_apps", rules.controller.language)
+            draft: rules.controller.blockedAppsText
+            onEdited: text => rules.controller.blockedAppsText = text
+        }
 
-        GridLayout {
-            columns: rules.width < 640 ? 1 : 2
-            columnSpacing: 16
-            rowSpacing: 18
+        RuleEditor {
+            Layout.fillWidth: true
+            Layout.preferredWidth: 1
+            Layout.alignment: Qt.AlignTop
+            label: L10n.t("blocked_domains", rules.controller.language)
+            draft: rules.controller.blockedDomainsText
+            onEdited: text => rules.controller.blockedDomainsText = text
+        }
 
-            RuleEditor {
-                Layout.fillWidth: true
-                Layout.preferredWidth: 1
-                Layout.alignment: Qt.AlignTop
-                label: L10n.t("blocked_apps", rules.controller.language)
-                draft: rules.controller.blockedAppsText
-                onEdited: text => rules.controller.blockedAppsText = text
-            }
+        RuleEditor {
+            Layout.fillWidth: true
+            Layout.preferredWidth: 1
+            Layout.alignment: Qt.AlignTop
+            label: L10n.t("allowed_study_apps", rules.controller.language)
+            draft: rules.controller.allowedStudyAppsText
+            onEdited: text => rules.controller.allowedStudyAppsText = text
+        }
 
-            RuleEditor {
-                Layout.fillWidth: true
-                Layout.preferredWidth: 1
-                Layout.alignment: Qt.AlignTop
-                label: L10n.t("blocked_domains", rules.controller.language)
-                draft: rules.controller.blockedDomainsText
-                onEdited: text => rules.controller.blockedDomainsText = text
-            }
-
-            RuleEditor {
-                Layout.fillWidth: true
-                Layout.preferredWidth: 1
-                Layout.alignment: Qt.AlignTop
-                label: L10n.t("allowed_study_apps", rules.controller.language)
-                draft: rules.controller.allowedStudyAppsText
-                onEdited: text => rules.controller.allowedStudyAppsText = text
-            }
-
-            RuleEditor {
-                Layout.fillWidth: true
-                Layout.preferredWidth: 1
-                Layout.alignment: Qt.AlignTop
-                label: L10n.t("allowed_study_domains", rules.controller.language)
-                note: L10n.t("allowed_domains_subtitle", rules.controller.language)
-                draft: rules.controller.allowedStudyDomainsText
-                onEdited: text => rules.controller.allowedStudyDomainsText = text
-            }
+        RuleEditor {
+            Layout.fillWidth: true
+            Layout.preferredWidth: 1
+            Layout.alignment: Qt.AlignTop
+            label: L10n.t("allowed_study_domains", rules.controller.language)
+            note: L10n.t("allowed_domains_subtitle", rules.controller.language)
+            draft: rules.controller.allowedStudyDomainsText
+            onEdited: text => rules.controller.allowedStudyDomainsText = text
         }
     }
 }

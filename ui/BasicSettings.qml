@@ -61,6 +61,7 @@ Panel {
 
     CompactField {
         Layout.topMargin: 14
+        Layout.fillWidth: false
         Layout.preferredWidth: (basic.width - 2 * AppTheme.panelPadding - 24) / 3
         visible: basic.controller.proModeEnabled
         label: L10n.t("idle_pause_seconds", basic.controller.language)

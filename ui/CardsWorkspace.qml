@@ -12,10 +12,17 @@ PanelListPage {
 
     focus: true
     accessibleName: L10n.t("card_bank", controller.language)
+    head: blocks
+    foot: end
     model: controller.studyCardModel
 
-    header: PanelListHeader {
-        width: workspace.width
+    delegate: StudyCardRow {
+        controller: workspace.controller
+    }
+
+    PanelListHeader {
+        id: blocks
+
         title: L10n.t("card_bank", workspace.controller.language)
         subtitle: workspace.controller.cardBankText
 
@@ -37,12 +44,8 @@ PanelListPage {
         }
     }
 
-    delegate: StudyCardRow {
-        controller: workspace.controller
-    }
-
-    footer: PanelListFooter {
-        width: workspace.width
+    PanelListFooter {
+        id: end
 
         EmptyState {
             Layout.fillWidth: true

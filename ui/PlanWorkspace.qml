@@ -12,10 +12,17 @@ PanelListPage {
 
     focus: true
     accessibleName: L10n.t("tasks", controller.language)
+    head: blocks
+    foot: end
     model: controller.studyTaskModel
 
-    header: PanelListHeader {
-        width: workspace.width
+    delegate: StudyTaskRow {
+        controller: workspace.controller
+    }
+
+    PanelListHeader {
+        id: blocks
+
         title: L10n.t("tasks", workspace.controller.language)
 
         CommandBar {
@@ -51,12 +58,8 @@ PanelListPage {
         }
     }
 
-    delegate: StudyTaskRow {
-        controller: workspace.controller
-    }
-
-    footer: PanelListFooter {
-        width: workspace.width
+    PanelListFooter {
+        id: end
 
         EmptyState {
             Layout.fillWidth: true

@@ -5,44 +5,46 @@ import QtQuick.Layouts
 import Quorvel.Ui
 
 /// The settings. What is typed here is in force once it is saved.
-ColumnLayout {
+SectionPage {
     id: workspace
 
-    required property QuorvelController controller
+    section: ProductSection.Rules
 
-    spacing: AppTheme.blockGap
-    Layout.fillWidth: true
-
-    BasicSettings {
+    ColumnLayout {
         Layout.fillWidth: true
-        controller: workspace.controller
-    }
+        spacing: AppTheme.blockGap
 
-    AdvancedRules {
-        Layout.fillWidth: true
-        controller: workspace.controller
-    }
-
-    Flow {
-        Layout.fillWidth: true
-        spacing: AppTheme.buttonGap
-
-        GlassButton {
-            iconName: "reset"
-            text: L10n.t("reset_defaults", workspace.controller.language)
-            onClicked: workspace.controller.resetDefaultSettings()
+        BasicSettings {
+            Layout.fillWidth: true
+            controller: workspace.controller
         }
 
-        GlassButton {
-            iconName: "folder-add"
-            text: L10n.t("merge_blocklists", workspace.controller.language)
-            onClicked: workspace.controller.mergeDefaultBlocklists()
+        AdvancedRules {
+            Layout.fillWidth: true
+            controller: workspace.controller
         }
 
-        PrimaryButton {
-            iconName: "check-circle-filled"
-            text: L10n.t("save_settings", workspace.controller.language)
-            onClicked: workspace.controller.saveSettings()
+        Flow {
+            Layout.fillWidth: true
+            spacing: AppTheme.buttonGap
+
+            GlassButton {
+                iconName: "reset"
+                text: L10n.t("reset_defaults", workspace.controller.language)
+                onClicked: workspace.controller.resetDefaultSettings()
+            }
+
+            GlassButton {
+                iconName: "folder-add"
+                text: L10n.t("merge_blocklists", workspace.controller.language)
+                onClicked: workspace.controller.mergeDefaultBlocklists()
+            }
+
+            PrimaryButton {
+                iconName: "check-circle-filled"
+                text: L10n.t("save_settings", workspace.controller.language)
+                onClicked: workspace.controller.saveSettings()
+            }
         }
     }
 }

@@ -25,66 +25,28 @@ FocusScope {
     }
 
     Loader {
+        readonly property url page: {
+            switch (layout.selection) {
+            case ProductSection.Cards:
+                return "CardsWorkspace.qml";
+            case ProductSection.Plan:
+                return "PlanWorkspace.qml";
+            case ProductSection.Rules:
+                return "RulesWorkspace.qml";
+            default:
+                return "FocusDashboard.qml";
+            }
+        }
+
         anchors.left: sidebar.right
         anchors.right: parent.right
         anchors.top: parent.top
         anchors.bottom: parent.bottom
         focus: true
-        sourceComponent: {
-            switch (layout.selection) {
-            case ProductSection.Cards:
-                return cards;
-            case ProductSection.Plan:
-                return plan;
-            case ProductSection.Rules:
-                return rules;
-            default:
-                return focusPage;
-            }
-        }
-    }
-
-    Component {
-        id: focusPage
-
-        SectionPage {
-            controller: layout.controller
-            section: ProductSection.Focus
-
-            FocusPage {
-                controller: layout.controller
-                desktopSupport: layout.desktopSupport
-            }
-        }
-    }
-
-    Component {
-        id: cards
-
-        CardsWorkspace {
-            controller: layout.controller
-        }
-    }
-
-    Component {
-        id: plan
-
-        PlanWorkspace {
-            controller: layout.controller
-        }
-    }
-
-    Component {
-        id: rules
-
-        SectionPage {
-            controller: layout.controller
-            section: ProductSection.Rules
-
-            RulesWorkspace {
-                controller: layout.controller
-            }
-        }
+        // By address: a Loader of Qt 6.4 cannot make a component that is bound to its file.
+        onPageChanged: setSource(page, layout.selection === ProductSection.Focus
+            ? {"controller": layout.controller, "desktopSupport": layout.desktopSupport}
+            : {"controller": layout.controller})
     }
 
     Shortcut {

@@ -9,12 +9,15 @@ Item {
 
     required property Flickable page
 
+    signal scrolled()
+
     readonly property Item focusItem: Window.activeFocusItem
     readonly property real firstY: page.originY
     readonly property real lastY: Math.max(firstY, page.originY + page.contentHeight - page.height)
 
     function scrollBy(distance: real): void {
         page.contentY = Math.max(firstY, Math.min(lastY, page.contentY + distance));
+        scrolled();
     }
 
     /// Scrolls no further than needed. Of something that scrolls by itself only the frame counts.

@@ -12,7 +12,7 @@ Item {
 
     readonly property real panelBottom: column.height + AppTheme.panelPadding
 
-    implicitHeight: panelBottom + AppTheme.pageMargin
+    height: panelBottom + AppTheme.pageMargin
 
     ColumnLayout {
         id: column

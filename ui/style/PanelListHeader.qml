@@ -14,7 +14,7 @@ Item {
 
     readonly property real panelTop: column.y + column.height + AppTheme.blockGap
 
-    implicitHeight: panelTop + AppTheme.panelPadding + heading.implicitHeight + AppTheme.headerGap
+    height: panelTop + AppTheme.panelPadding + heading.implicitHeight + AppTheme.headerGap
 
     ColumnLayout {
         id: column

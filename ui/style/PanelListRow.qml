@@ -12,7 +12,7 @@ FocusScope {
     default property alias content: frame.data
 
     readonly property PanelListPage page: ListView.view as PanelListPage
-    readonly property bool current: ListView.isCurrentItem
+    readonly property bool current: page !== null && page.currentRow === index
     property real contentHeight: 0
 
     /// Lets `remove` take this row out of the model; the keyboard, if it was here, goes to the row that follows.
@@ -21,7 +21,7 @@ FocusScope {
         const hadFocus = activeFocus;
         remove(); // this row is no more
         if (hadFocus)
-            list.focusRow();
+            list.focusRow(Qt.OtherFocusReason);
     }
 
     width: page ? page.width : 0
@@ -32,7 +32,7 @@ FocusScope {
 
     onActiveFocusChanged: {
         if (activeFocus && page)
-            page.currentIndex = index;
+            page.currentRow = index;
     }
 
     Keys.onDownPressed: page.step(1)
