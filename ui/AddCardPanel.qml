@@ -9,8 +9,9 @@ Panel {
     id: editor
 
     required property QuorvelController controller
+    required property real room ///< its width
 
-    readonly property bool narrow: width < 700
+    readonly property bool narrow: room < 700
 
     title: L10n.t("add_card", controller.language)
     subtitle: L10n.t("add_card_subtitle", controller.language)

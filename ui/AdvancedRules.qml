@@ -9,6 +9,7 @@ Panel {
     id: rules
 
     required property QuorvelController controller
+    required property real room ///< its width
 
     title: L10n.t("advanced_rules", controller.language)
     subtitle: controller.proModeEnabled ? L10n.t("advanced_rules_subtitle", controller.language) : ""
@@ -23,7 +24,7 @@ Panel {
     GridLayout {
         Layout.fillWidth: true
         visible: rules.controller.proModeEnabled
-        columns: rules.width < 640 ? 1 : 2
+        columns: rules.room < 640 ? 1 : 2
         columnSpacing: 16
         rowSpacing: 18
 

@@ -31,16 +31,19 @@ PanelListPage {
             Layout.bottomMargin: AppTheme.titleGap - AppTheme.blockGap
             controller: workspace.controller
             section: ProductSection.Cards
+            room: workspace.room
         }
 
         AddCardPanel {
             Layout.fillWidth: true
             controller: workspace.controller
+            room: workspace.room
         }
 
         QuizPanel {
             Layout.fillWidth: true
             controller: workspace.controller
+            room: workspace.room
         }
     }
 

@@ -11,8 +11,9 @@ GridLayout {
 
     required property QuorvelController controller
     required property int section
+    required property real room ///< its width
 
-    readonly property bool wide: width - commands.implicitWidth - columnSpacing >= 260
+    readonly property bool wide: room - commands.implicitWidth - columnSpacing >= 260
 
     columns: wide ? 2 : 1
     columnSpacing: 12

@@ -11,25 +11,24 @@ SectionPage {
 
     required property DesktopSupport desktopSupport
 
+    readonly property bool narrow: room < AppTheme.narrowContent
+    readonly property real planWidth: Math.max(300, Math.min(420, room * 0.34))
+
     section: ProductSection.Focus
 
     ColumnLayout {
-        id: column
-
-        readonly property bool narrow: width < AppTheme.narrowContent
-
         Layout.fillWidth: true
         spacing: AppTheme.blockGap
 
         FocusHero {
             Layout.fillWidth: true
             controller: page.controller
-            narrow: column.narrow
+            narrow: page.narrow
         }
 
         GridLayout {
             Layout.fillWidth: true
-            columns: column.narrow ? 2 : 3
+            columns: page.narrow ? 2 : 3
             columnSpacing: AppTheme.tileGap
             rowSpacing: AppTheme.tileGap
 
@@ -90,7 +89,7 @@ SectionPage {
 
         GridLayout {
             Layout.fillWidth: true
-            columns: column.narrow ? 2 : 3
+            columns: page.narrow ? 2 : 3
             columnSpacing: AppTheme.tileGap
             rowSpacing: AppTheme.tileGap
 
@@ -116,7 +115,7 @@ SectionPage {
                 Layout.fillWidth: true
                 Layout.fillHeight: true
                 Layout.preferredWidth: 1
-                Layout.columnSpan: column.narrow ? 2 : 1
+                Layout.columnSpan: page.narrow ? 2 : 1
                 iconName: "blocked"
                 title: L10n.t("blocked_apps", page.controller.language)
                 value: page.controller.blockedAppSummaryText
@@ -125,7 +124,7 @@ SectionPage {
 
         GridLayout {
             Layout.fillWidth: true
-            columns: column.narrow ? 1 : 2
+            columns: page.narrow ? 1 : 2
             columnSpacing: AppTheme.blockGap
             rowSpacing: AppTheme.blockGap
 
@@ -133,12 +132,13 @@ SectionPage {
                 Layout.fillWidth: true
                 Layout.fillHeight: true
                 controller: page.controller
+                room: page.narrow ? page.room : page.room - page.planWidth - AppTheme.blockGap
             }
 
             PlanPreview {
-                Layout.fillWidth: column.narrow
+                Layout.fillWidth: page.narrow
                 Layout.fillHeight: true
-                Layout.preferredWidth: column.narrow ? -1 : Math.max(300, Math.min(420, column.width * 0.34))
+                Layout.preferredWidth: page.narrow ? -1 : page.planWidth
                 controller: page.controller
             }
         }

@@ -30,6 +30,7 @@ PanelListPage {
             Layout.bottomMargin: AppTheme.titleGap - AppTheme.blockGap
             controller: workspace.controller
             section: ProductSection.Plan
+            room: workspace.room
         }
 
         Panel {

@@ -9,8 +9,9 @@ Panel {
     id: quiz
 
     required property QuorvelController controller
+    required property real room ///< its width
 
-    readonly property bool narrow: width < 640
+    readonly property bool narrow: room < 640
 
     title: L10n.t("card_proof", controller.language)
     subtitle: controller.cardProofText

@@ -1,11 +1,10 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Layouts
 import Quorvel.Ui
 
 /// A list to edit, an entry a line, under its label and perhaps over a note.
-ColumnLayout {
+Column {
     id: editor
 
     required property string label
@@ -17,20 +16,21 @@ ColumnLayout {
     spacing: AppTheme.labelGap
 
     CalloutText {
-        Layout.fillWidth: true
+        width: editor.width
         font.weight: Font.DemiBold
         text: editor.label
     }
 
     GlassTextArea {
-        Layout.fillWidth: true
+        width: editor.width
+        height: implicitHeight
         accessibleName: editor.label
         draft: editor.draft
         onEdited: text => editor.edited(text)
     }
 
     CaptionText {
-        Layout.fillWidth: true
+        width: editor.width
         visible: text !== ""
         color: AppTheme.textMuted
         text: editor.note

@@ -22,6 +22,7 @@ SectionPage {
         AdvancedRules {
             Layout.fillWidth: true
             controller: workspace.controller
+            room: workspace.room
         }
 
         Flow {

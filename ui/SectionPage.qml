@@ -10,6 +10,9 @@ PageScroller {
 
     required property QuorvelController controller
     required property int section
+    /// The room between the margins. Blocks that stand otherwise in little room go by this: a layout of Qt 6.4
+    /// misses a change that comes while it is being laid out.
+    readonly property real room: width - 2 * AppTheme.pageMargin
     default property alias workspace: column.data
 
     focus: true
@@ -34,6 +37,7 @@ PageScroller {
                 Layout.fillWidth: true
                 controller: scroller.controller
                 section: scroller.section
+                room: scroller.room
             }
         }
     }

@@ -44,9 +44,12 @@ FocusScope {
         anchors.bottom: parent.bottom
         focus: true
         // By address: a Loader of Qt 6.4 cannot make a component that is bound to its file.
-        onPageChanged: setSource(page, layout.selection === ProductSection.Focus
-            ? {"controller": layout.controller, "desktopSupport": layout.desktopSupport}
-            : {"controller": layout.controller})
+        onPageChanged: {
+            const given = {"controller": layout.controller, "width": width, "height": height};
+            if (layout.selection === ProductSection.Focus)
+                given["desktopSupport"] = layout.desktopSupport;
+            setSource(page, given);
+        }
     }
 
     Shortcut {

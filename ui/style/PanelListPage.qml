@@ -14,6 +14,7 @@ ListView {
     required property PanelListHeader head
     required property PanelListFooter foot
 
+    readonly property real room: width - 2 * AppTheme.pageMargin ///< between the margins
     readonly property real headHeight: headerItem ? headerItem.height : 0
     readonly property real headY: headerItem ? headerItem.y : 0
     readonly property real footY: footerItem ? footerItem.y : 0
