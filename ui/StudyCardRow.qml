@@ -50,7 +50,7 @@ PanelListRow {
 
             Layout.alignment: Qt.AlignVCenter
             focus: true
-            activeFocusOnTab: row.current
+            activeFocusOnTab: row.current || activeFocus
             iconName: "trash"
             text: L10n.t("delete", row.controller.language)
             Accessible.description: row.card.prompt

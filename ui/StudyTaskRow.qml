@@ -34,7 +34,7 @@ PanelListRow {
             Layout.preferredWidth: 74
             Layout.alignment: Qt.AlignVCenter
             focus: true
-            activeFocusOnTab: row.current
+            activeFocusOnTab: row.current || activeFocus
             horizontalPadding: 0
             text: L10n.t(row.task.isCompleted ? "reopen" : "done", row.controller.language)
             Accessible.description: row.task.title
@@ -49,7 +49,7 @@ PanelListRow {
         GlassButton {
             Layout.preferredWidth: AppTheme.controlHeight
             Layout.alignment: Qt.AlignVCenter
-            activeFocusOnTab: row.current
+            activeFocusOnTab: row.current || activeFocus
             horizontalPadding: 0
             iconName: "trash"
             Accessible.name: L10n.t("delete", row.controller.language)

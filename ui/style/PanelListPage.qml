@@ -49,10 +49,9 @@ ListView {
         const next = currentRow + rows;
         if (next < 0 || next >= count)
             return;
-        currentRow = next;
         positionViewAtIndex(next, ListView.Contain);
+        itemAtIndex(next).forceActiveFocus(rows > 0 ? Qt.TabFocusReason : Qt.BacktabFocusReason);
         noteScrolled();
-        focusRow(rows > 0 ? Qt.TabFocusReason : Qt.BacktabFocusReason);
     }
 
     Component.onCompleted: {

@@ -21,7 +21,7 @@ FocusScope {
         const hadFocus = activeFocus;
         remove(); // this row is no more
         if (hadFocus)
-            list.focusRow(Qt.OtherFocusReason);
+            list.focusRow(Qt.TabFocusReason);
     }
 
     width: page ? page.width : 0
