@@ -72,7 +72,8 @@ Result<SingleInstance::Role> SingleInstance::claim(const QStringList &arguments)
             return Role::HandedOver;
         std::this_thread::sleep_for(retryPause);
     } while (!deadline.hasExpired());
-    return Failure{u"Quorvel is already running, but it does not answer."_s};
+    return Failure{u"Quorvel is already running, but it does not answer.\n"
+                   u"Quorvel уже запущен, но не отвечает."_s};
 }
 
 Result<> SingleInstance::listen()

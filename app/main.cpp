@@ -1,7 +1,9 @@
 #include "AppDelegate.h"
+#include "DataFolderLock.h"
 #include "InstanceFolder.h"
 #include "SingleInstance.h"
 #include "TerminationSignals.h"
+#include "baseFolders.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -81,5 +83,8 @@ int main(int argc, char **argv)
         return giveUp(argc, argv, role.reason());
     if (role.value() == SingleInstance::Role::HandedOver)
         return 0;
+    const DataFolderLock lock(dataFolder());
+    if (const auto taken = lock.taken(); !taken)
+        return giveUp(argc, argv, taken.reason());
     return runProgram(argc, argv, instance, folder.value(), arguments);
 }

@@ -7,7 +7,7 @@ int StudyCardModel::rowCount(const QModelIndex &parent) const
 
 QVariant StudyCardModel::data(const QModelIndex &index, int role) const
 {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+    if (!index.isValid() || index.row() >= rowCount())
         return {};
     const auto &card = m_bank.cards()[size_t(index.row())];
     switch (role) {

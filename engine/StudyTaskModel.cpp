@@ -9,7 +9,7 @@ int StudyTaskModel::rowCount(const QModelIndex &parent) const
 
 QVariant StudyTaskModel::data(const QModelIndex &index, int role) const
 {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+    if (!index.isValid() || index.row() >= rowCount())
         return {};
     const auto &task = m_tasks[size_t(index.row())];
     switch (role) {

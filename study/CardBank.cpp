@@ -18,7 +18,8 @@ std::optional<int> CardBank::rowOf(const QUuid &id) const
 
 bool CardBank::accepts(int row, const QString &answer) const
 {
-    const auto &expected = m_cards.at(std::size_t(row)).expectedAnswer;
+    Q_ASSERT(isRow(row));
+    const auto &expected = m_cards[std::size_t(row)].expectedAnswer;
     auto known = m_acceptedAnswers.constFind(expected);
     if (known == m_acceptedAnswers.cend())
         known = m_acceptedAnswers.insert(expected, acceptedAnswers(expected));
@@ -72,16 +73,18 @@ void CardBank::insertFront(StudyCard card)
 
 void CardBank::removeRow(int row)
 {
+    Q_ASSERT(isRow(row));
     const auto place = m_cards.begin() + row;
     if (m_topics)
         m_topics->removeRow(row);
-    m_acceptedAnswers.remove(place->expectedAnswer);
+    m_acceptedAnswers.remove(place->expectedAnswer); // another card that has the same one derives it again
     m_cards.erase(place);
 }
 
 void CardBank::judge(int row, bool correct, const QDateTime &now)
 {
-    auto &card = m_cards.at(std::size_t(row));
+    Q_ASSERT(isRow(row));
+    auto &card = m_cards[std::size_t(row)];
     card = withJudgedAnswer(std::move(card), correct, now);
 }
 

@@ -12,8 +12,8 @@
 
 /// All cards, newest first, and what is derived from them: a card's normalized topic and accepted answers are
 /// worked out once, when they are first needed, and the cards of each topic are counted as they come and go.
-/// Rows are places in cards(). Topics are given as they were typed; an empty one, also after normalization,
-/// stands for all cards. Built for 100,000 cards: nothing here sorts or copies the bank.
+/// Rows are places in cards(), and must be there. Topics are given as they were typed; an empty one, also
+/// after normalization, stands for all cards. Built for 100,000 cards: nothing here sorts or copies the bank.
 class CardBank
 {
 public:
@@ -47,12 +47,13 @@ public:
     void judge(int row, bool correct, const QDateTime &now);
 
 private:
+    bool isRow(int row) const { return row >= 0 && std::size_t(row) < m_cards.size(); }
     const TopicIndex &topics() const;
     template <typename Visit>
     void visitTopic(const QString &topic, Visit visit) const;
 
     std::deque<StudyCard> m_cards;
     mutable std::optional<TopicIndex> m_topics; ///< none until a topic is asked for
-    mutable QHash<QString, QStringList>
-        m_acceptedAnswers; ///< by expected answer, of the cards that were asked
+    /// By expected answer, of the cards that were asked.
+    mutable QHash<QString, QStringList> m_acceptedAnswers;
 };

@@ -1,6 +1,7 @@
 #include "RecordStore.h"
 
 #include "jsonCodecs.h"
+#include "recordFileNames.h"
 
 #include <QLoggingCategory>
 
@@ -8,72 +9,49 @@ using namespace Qt::StringLiterals;
 
 Q_LOGGING_CATEGORY(lcStudy, "quorvel.study")
 
-namespace {
-
-QString configName()
-{
-    return u"config.json"_s;
-}
-
-QString studyTasksName()
-{
-    return u"study-tasks.json"_s;
-}
-
-QString studyCardsName()
-{
-    return u"study-cards.json"_s;
-}
-
-QString progressName()
-{
-    return u"progress.json"_s;
-}
-
-} // namespace
-
 RecordStore::RecordStore(RecordFiles &files)
     : m_files(files)
+    , m_copies(files)
 {}
 
 QuorvelConfig RecordStore::loadConfig()
 {
-    return load(configName(), decodeConfig, QuorvelConfig::defaults());
+    return load(RecordFileNames::config, decodeConfig, QuorvelConfig::defaults());
 }
 
 std::deque<StudyTask> RecordStore::loadStudyTasks()
 {
-    return load(studyTasksName(), decodeStudyTasks, std::deque<StudyTask>());
+    return load(RecordFileNames::studyTasks, decodeStudyTasks, std::deque<StudyTask>());
 }
 
 std::deque<StudyCard> RecordStore::loadStudyCards()
 {
-    return load(studyCardsName(), decodeStudyCards, std::deque<StudyCard>());
+    return load(RecordFileNames::studyCards, decodeStudyCards, std::deque<StudyCard>());
 }
 
 UserProgress RecordStore::loadUserProgress()
 {
-    return load(progressName(), decodeUserProgress, UserProgress());
+    return load(RecordFileNames::progress, decodeUserProgress, UserProgress());
 }
 
 Result<> RecordStore::saveConfig(const QuorvelConfig &config, const QDateTime &now)
 {
-    return save(configName(), encodeConfig(config), now);
+    return save(RecordFileNames::config, encodeConfig(config), decodeConfig, now);
 }
 
 Result<> RecordStore::saveStudyTasks(const std::deque<StudyTask> &tasks, const QDateTime &now)
 {
-    return save(studyTasksName(), encodeStudyTasks(tasks), now);
+    return save(RecordFileNames::studyTasks, encodeStudyTasks(tasks), decodeStudyTasks, now);
 }
 
 Result<> RecordStore::saveStudyCards(const std::deque<StudyCard> &cards, const QDateTime &now)
 {
-    return save(studyCardsName(), encodeStudyCards(cards), now);
+    return save(RecordFileNames::studyCards, encodeStudyCards(cards), decodeStudyCards, now);
 }
 
 Result<> RecordStore::saveUserProgress(const UserProgress &progress, const QDateTime &now)
 {
-    return save(progressName(), encodeUserProgress(progress), now);
+    return save(RecordFileNames::progress, encodeUserProgress(progress), decodeUserProgress, now);
 }
 
 template <typename Record, typename Decode>
@@ -82,16 +60,32 @@ Record RecordStore::load(const QString &name, Decode decode, const Record &fallb
     const auto bytes = m_files.read(name);
     if (bytes.ok() && !bytes.value())
         return fallback;
-    const Result<Record> record = bytes.ok() ? decode(*bytes.value()) : Result<Record>(bytes.failure());
+    Result<Record> record = bytes.ok() ? decode(*bytes.value()) : Result<Record>(bytes.failure());
     if (record.ok())
-        return record.value();
+        return record.take();
     qCWarning(lcStudy).noquote() << name << "could not be loaded and is kept:" << record.reason();
     m_notDecoded.insert(name);
     return fallback;
 }
 
-Result<> RecordStore::save(const QString &name, const QByteArray &bytes, const QDateTime &now)
+/// Whether a file that could not be read was taken away since, by its owner, or never was there.
+bool RecordStore::isGone(const QString &name)
 {
+    const auto present = m_files.read(name);
+    return present.ok() && !present.value();
+}
+
+template <typename Decode>
+Result<> RecordStore::save(const QString &name, const QByteArray &bytes, Decode decode, const QDateTime &now)
+{
+    const auto decodes = [decode](const QByteArray &present) { return decode(present).ok(); };
+    if (!m_notDecoded.contains(name) &&
+        m_copies.keepBefore(name, decodes, now) == RollingCopies::Present::IsUnreadable) {
+        qCWarning(lcStudy).noquote() << name << "can no longer be read";
+        m_notDecoded.insert(name);
+    }
+    if (m_notDecoded.contains(name) && isGone(name))
+        m_notDecoded.remove(name);
     if (m_notDecoded.contains(name)) {
         const auto aside = u"%1.unreadable-%2"_s.arg(name, now.toUTC().toString(u"yyyyMMdd'T'HHmmss'Z'"_s));
         if (const auto kept = m_files.keepAside(name, aside); !kept.ok())

@@ -2,6 +2,7 @@
 
 #include "QuorvelConfig.h"
 #include "RecordFiles.h"
+#include "RollingCopies.h"
 #include "StudyCard.h"
 #include "StudyTask.h"
 #include "UserProgress.h"
@@ -13,7 +14,8 @@
 
 /// Loads and saves the records of the data folder. Loading never fails: a file that is missing, unreadable or
 /// not decodable gives the record of a fresh start. Such a file stays as it is until the first save of its
-/// kind, and that save first keeps the old bytes aside as "<name>.unreadable-<UTC time>".
+/// kind, and that save first keeps the old bytes aside as "<name>.unreadable-<UTC time>". From time to time a
+/// save first makes a rolling copy of the file that it replaces.
 class RecordStore
 {
 public:
@@ -34,8 +36,11 @@ public:
 private:
     template <typename Record, typename Decode>
     Record load(const QString &name, Decode decode, const Record &fallback);
-    Result<> save(const QString &name, const QByteArray &bytes, const QDateTime &now);
+    template <typename Decode>
+    Result<> save(const QString &name, const QByteArray &bytes, Decode decode, const QDateTime &now);
+    bool isGone(const QString &name);
 
     RecordFiles &m_files;
+    RollingCopies m_copies;
     QSet<QString> m_notDecoded; ///< files whose present bytes must be kept before they are replaced
 };

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstring>
+#include <utility>
 
 namespace {
 
@@ -34,10 +34,9 @@ char *writeEscape(char *to, char16_t unit)
         *to++ = 't';
         return to;
     default:
-        std::memcpy(to, "u00", 3);
-        to[3] = "01"[unit >> 4];
-        to[4] = "0123456789abcdef"[unit & 0xF];
-        return to + 5;
+        for (const char digit : {'u', '0', '0', "01"[unit >> 4], "0123456789abcdef"[unit & 0xF]})
+            *to++ = digit;
+        return to;
     }
 }
 

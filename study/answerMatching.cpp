@@ -2,7 +2,6 @@
 
 #include "normalizeStudyAnswer.h"
 
-#include <QLatin1Char>
 #include <QStringView>
 
 #include <algorithm>
@@ -51,15 +50,12 @@ bool isDecimalNumber(QStringView text)
 }
 
 /// The number that a text stands for, with spaces as separators of digits and a comma as the decimal point.
-/// None for one that is too large for a double; one too small is 0.
+/// One too large for a double is infinite, which is near to no number, itself included; one too small is 0.
 std::optional<double> numberIn(QStringView raw)
 {
     auto text = raw.trimmed().toString();
     text.remove(u' ').replace(u',', u'.');
-    if (!isDecimalNumber(text))
-        return std::nullopt;
-    const double number = text.toLatin1().toDouble();
-    return std::isfinite(number) ? std::optional(number) : std::nullopt;
+    return isDecimalNumber(text) ? std::optional(text.toDouble()) : std::nullopt;
 }
 
 } // namespace

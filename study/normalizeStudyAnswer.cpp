@@ -4,6 +4,7 @@
 #include <QStringView>
 
 #include <algorithm>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <unicode/uchar.h>
@@ -15,8 +16,8 @@
 
 namespace {
 
-/// ICU fails where its data are missing, memory has come to an end or a text has more units than 32 bits
-/// count. There is no normalized form to go on with then.
+/// ICU fails where its data are missing or memory has come to an end. There is no normalized form to go on
+/// with then.
 void requireSuccess(UErrorCode status, const char *what)
 {
     if (U_FAILURE(status))
@@ -39,20 +40,26 @@ const UNormalizer2 *compatibilityForms()
     return forms;
 }
 
+/// The number of units as ICU counts them.
+int32_t unitsIn(QStringView text)
+{
+    if (text.size() > std::numeric_limits<int32_t>::max())
+        qFatal("A text of %lld units is longer than ICU can count", static_cast<long long>(text.size()));
+    return int32_t(text.size());
+}
+
 /// The full mapping of the root locale: Σ gives ς at the end of a word, İ gives i and a dot above.
 std::u16string lowerCased(QStringView text)
 {
-    std::u16string lower(text.size(), u'\0');
+    std::u16string lower(std::size_t(unitsIn(text)), u'\0');
     while (true) {
         UErrorCode status = U_ZERO_ERROR;
-        const auto needed = u_strToLower(lower.data(), int32_t(lower.size()), text.utf16(),
-                                         int32_t(text.size()), "", &status);
-        if (status == U_BUFFER_OVERFLOW_ERROR) {
-            lower.resize(needed);
+        const auto needed =
+            u_strToLower(lower.data(), unitsIn(lower), text.utf16(), unitsIn(text), "", &status);
+        lower.resize(std::size_t(needed));
+        if (status == U_BUFFER_OVERFLOW_ERROR)
             continue;
-        }
         requireSuccess(status, "lower case");
-        lower.resize(needed);
         return lower;
     }
 }
@@ -61,6 +68,9 @@ std::u16string lowerCased(QStringView text)
 /// ² is not 2.
 UChar32 ordinaryWidth(UChar32 character)
 {
+    constexpr UChar32 firstOfOtherWidth = 0x3000;
+    if (character < firstOfOtherWidth)
+        return character;
     const auto type = u_getIntPropertyValue(character, UCHAR_DECOMPOSITION_TYPE);
     if (type != U_DT_WIDE && type != U_DT_NARROW)
         return character;
@@ -71,10 +81,10 @@ UChar32 ordinaryWidth(UChar32 character)
     return length == 1 ? mapped[0] : character;
 }
 
-/// Every combining mark, not only those without width: Unicode splits some vowel signs of one script into
-/// both sorts, and the enclosing ones (the box of a keycap emoji) are of neither meaning in an answer. A
-/// variation selector is one of them, so ❤ is the same in colour; a zero-width joiner and a skin tone are
-/// none.
+/// Every combining mark, with or without a width of its own: scripts have vowel signs of both sorts, and some
+/// signs of the one sort decompose into the other. The enclosing ones (the box of a keycap emoji) and the
+/// variation selectors go with them, so ❤ is the same in colour. A zero-width joiner, a bidi mark and a skin
+/// tone are no marks and stay.
 bool isMark(UChar32 character)
 {
     return (U_GET_GC_MASK(character) & U_GC_M_MASK) != 0;
@@ -130,8 +140,8 @@ std::u16string composed(const std::u16string &text)
 {
     std::u16string whole(text.size(), u'\0'); // it only gets shorter
     UErrorCode status = U_ZERO_ERROR;
-    const auto length = unorm2_normalize(canonicalForms(), text.data(), int32_t(text.size()), whole.data(),
-                                         int32_t(whole.size()), &status);
+    const auto length =
+        unorm2_normalize(canonicalForms(), text.data(), unitsIn(text), whole.data(), unitsIn(whole), &status);
     requireSuccess(status, "composition");
     whole.resize(length);
     return whole;

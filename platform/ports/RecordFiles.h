@@ -6,8 +6,19 @@
 #include <QString>
 
 #include <optional>
+#include <vector>
 
-/// The files of the program's data folder, by name. Nothing is created before the first write.
+/// A plain file as a folder lists it.
+struct ListedFile
+{
+    QString name; ///< without the folder
+    qint64 size;  ///< bytes
+
+    bool operator==(const ListedFile &) const = default;
+};
+
+/// The files of the program's data folder, by name; "FOLDER/NAME" is one of a folder in it. Nothing is
+/// created before the first write.
 class RecordFiles
 {
 public:
@@ -21,6 +32,14 @@ public:
     /// Creates the folder and its parents where they are missing.
     virtual Result<> write(const QString &name, const QByteArray &bytes) = 0;
 
-    /// Keeps the file's present bytes under `asideName` too; never replaces a file of that name.
+    /// Keeps the file's present bytes under `asideName` too; never replaces a file of that name. At no moment
+    /// are there fewer bytes under it. Creates the folder of `asideName` where it is missing.
     virtual Result<> keepAside(const QString &name, const QString &asideName) = 0;
+
+    /// The plain files of a folder in the data folder, in no order; none where there is no such folder.
+    /// Links, folders and the like are left out.
+    virtual Result<std::vector<ListedFile>> list(const QString &folder) = 0;
+
+    /// Removes a file. No failure where there is none.
+    virtual Result<> remove(const QString &name) = 0;
 };

@@ -35,12 +35,14 @@ public:
     explicit operator bool() const { return ok(); }
 
     const Value &value() const { return *checked(std::get_if<Value>(&m_outcome)); }
+    /// Moves the value out; for what is dear to copy.
+    Value take() { return std::move(*checked(std::get_if<Value>(&m_outcome))); }
     const QString &reason() const { return checked(std::get_if<Failure>(&m_outcome))->reason; }
     Failure failure() const { return *checked(std::get_if<Failure>(&m_outcome)); }
 
 private:
     template <typename Half>
-    static const Half *checked(const Half *half)
+    static Half *checked(Half *half)
     {
         Q_ASSERT_X(half, "Result", "the half that is not there was read");
         if (!half)

@@ -1,5 +1,6 @@
 #include "FileCalls.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
@@ -45,6 +46,11 @@ int FileCalls::fstat(int file, struct stat *status)
     return ::fstat(file, status);
 }
 
+int FileCalls::lstat(const char *path, struct stat *status)
+{
+    return ::lstat(path, status);
+}
+
 int FileCalls::rename(const char *from, const char *to)
 {
     return ::rename(from, to);
@@ -68,4 +74,20 @@ int FileCalls::mkdir(const char *path, mode_t mode)
 ssize_t FileCalls::readlink(const char *path, char *buffer, std::size_t size)
 {
     return ::readlink(path, buffer, size);
+}
+
+DIR *FileCalls::opendir(const char *path)
+{
+    return ::opendir(path);
+}
+
+dirent *FileCalls::readdir(DIR *folder)
+{
+    errno = 0;
+    return ::readdir(folder);
+}
+
+int FileCalls::closedir(DIR *folder)
+{
+    return ::closedir(folder);
 }

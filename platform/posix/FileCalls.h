@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <dirent.h>
 #include <sys/stat.h>
 #include <sys/types.h>
 
@@ -21,9 +22,14 @@ public:
     virtual int fsync(int file);
     virtual int ftruncate(int file, off_t length);
     virtual int fstat(int file, struct stat *status);
+    virtual int lstat(const char *path, struct stat *status);
     virtual int rename(const char *from, const char *to);
     virtual int link(const char *from, const char *to);
     virtual int unlink(const char *path);
     virtual int mkdir(const char *path, mode_t mode);
     virtual ssize_t readlink(const char *path, char *buffer, std::size_t size);
+    virtual DIR *opendir(const char *path);
+    /// Null at the end too: `errno` is set to 0 before.
+    virtual dirent *readdir(DIR *folder);
+    virtual int closedir(DIR *folder);
 };

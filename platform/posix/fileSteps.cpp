@@ -114,15 +114,25 @@ int writeNewFile(FileCalls &calls, const QByteArray &path, const QByteArray &byt
 
 } // namespace
 
+int writeBeside(FileCalls &calls, const QByteArray &path, const QByteArray &bytes, QByteArray &beside)
+{
+    beside = folderOf(path) + "/." + path.mid(path.lastIndexOf('/') + 1) + ".new";
+    calls.unlink(beside.constData()); // what a crash left; where it stays, the next step says why
+    const int error = writeNewFile(calls, beside, bytes);
+    if (error)
+        calls.unlink(beside.constData());
+    return error;
+}
+
 int replace(FileCalls &calls, const QByteArray &path, const QByteArray &bytes)
 {
-    const auto temporary = folderOf(path) + "/." + path.mid(path.lastIndexOf('/') + 1) + ".new";
-    calls.unlink(temporary.constData()); // what a crash left; where it stays, the next step says why
-    int error = writeNewFile(calls, temporary, bytes);
-    if (!error && calls.rename(temporary.constData(), path.constData()) < 0)
-        error = errno;
-    if (error)
-        calls.unlink(temporary.constData());
+    QByteArray beside;
+    if (const int error = writeBeside(calls, path, bytes, beside))
+        return error;
+    if (calls.rename(beside.constData(), path.constData()) == 0)
+        return 0;
+    const int error = errno;
+    calls.unlink(beside.constData());
     return error;
 }
 
@@ -152,6 +162,18 @@ int createFolder(FileCalls &calls, const QByteArray &folder, std::vector<QByteAr
     if (!error)
         grown.push_back(parent);
     return error;
+}
+
+int createDurableFolder(FileCalls &calls, const QByteArray &folder)
+{
+    std::vector<QByteArray> grown;
+    if (const int error = createFolder(calls, folder, grown))
+        return error;
+    for (const QByteArray &parent : grown) {
+        if (const int error = syncFolder(calls, parent))
+            return error;
+    }
+    return 0;
 }
 
 int followLinks(FileCalls &calls, QByteArray &path)
@@ -184,6 +206,29 @@ Result<std::optional<QByteArray>> read(FileCalls &calls, const QByteArray &path)
     if (error)
         return failure(error);
     return std::optional(bytes);
+}
+
+int list(FileCalls &calls, const QByteArray &folder, std::vector<Entry> &entries)
+{
+    DIR *const opened = calls.opendir(folder.constData());
+    if (!opened)
+        return errno == ENOENT ? 0 : errno;
+    int error = 0;
+    while (const dirent *const entry = calls.readdir(opened)) {
+        const QByteArray name = entry->d_name;
+        struct stat status = {};
+        if (calls.lstat(QByteArray(folder + '/' + name).constData(), &status) == 0) {
+            if (S_ISREG(status.st_mode))
+                entries.push_back({name, status.st_size});
+        } else if (errno != ENOENT) { // it may have gone since
+            error = errno;
+            break;
+        }
+    }
+    if (!error)
+        error = errno;
+    calls.closedir(opened); // nothing was written through it
+    return error;
 }
 
 } // namespace FileSteps

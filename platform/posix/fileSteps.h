@@ -44,11 +44,26 @@ int syncFolder(FileCalls &calls, const QByteArray &folder);
 /// in it: they hold it durably only after syncFolder().
 int createFolder(FileCalls &calls, const QByteArray &folder, std::vector<QByteArray> &grown);
 
+/// As createFolder(), and all of it is on the disk.
+int createDurableFolder(FileCalls &calls, const QByteArray &folder);
+
+/// Writes the bytes to a new file beside the place where they go, ".NAME.new", and waits until they are on
+/// the disk. What a crash left under that name is removed; after a failure nothing is left there.
+int writeBeside(FileCalls &calls, const QByteArray &path, const QByteArray &bytes, QByteArray &beside);
+
 /// Follows `path` through symbolic links to the path of the file itself, which need not exist.
 int followLinks(FileCalls &calls, QByteArray &path);
 
 /// The whole file, following links; no bytes where there is none; a failure where it cannot be read, is
 /// longer than `longestFile` or is no regular file (a folder, a pipe, a device).
 Result<std::optional<QByteArray>> read(FileCalls &calls, const QByteArray &path);
+
+/// The plain files of a folder, in no order; none where there is no such folder.
+struct Entry
+{
+    QByteArray name;
+    qint64 size; ///< bytes
+};
+int list(FileCalls &calls, const QByteArray &folder, std::vector<Entry> &entries);
 
 } // namespace FileSteps

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -19,28 +20,24 @@ bool linksAreRefused(int error)
     return error == EPERM || error == EXDEV || error == EMLINK || error == ENOSYS || error == EOPNOTSUPP;
 }
 
-Result<> copyToNewFile(FileCalls &calls, const QByteArray &from, const QByteArray &to, int &openError)
+/// The copy gets its name once it is whole, so that whoever sees the name sees all bytes. The name has to be
+/// free: rename(2) does not ask, and link(2), which does, is what was refused.
+Result<> copyToNewFile(FileCalls &calls, const QByteArray &from, const QByteArray &beside,
+                       const QByteArray &to)
 {
     const Result<std::optional<QByteArray>> bytes = FileSteps::read(calls, from);
     if (!bytes)
         return bytes.failure();
     if (!bytes.value())
         return FileSteps::failure(ENOENT);
-    int file = -1;
-    openError = FileSteps::open(calls, to, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, file);
-    if (openError)
-        return FileSteps::failure(openError);
-
-    int error = FileSteps::writeAll(calls, file, *bytes.value());
-    if (!error)
-        error = FileSteps::sync(calls, file);
-    if (calls.close(file) < 0 && errno != EINTR && !error)
-        error = errno;
-    if (error) {
-        calls.unlink(to.constData());
+    QByteArray copy;
+    if (const int error = FileSteps::writeBeside(calls, beside, *bytes.value(), copy))
         return FileSteps::failure(error);
-    }
-    return Done{};
+    if (calls.rename(copy.constData(), to.constData()) == 0)
+        return Done{};
+    const int error = errno;
+    calls.unlink(copy.constData());
+    return FileSteps::failure(error);
 }
 
 /// Bytes that an editor wrote a moment ago may not be on the disk yet. A file that cannot be opened cannot be
@@ -66,6 +63,8 @@ Result<QByteArray> keepAside(FileCalls &calls, const QByteArray &path, const QBy
     if (const int error = FileSteps::followLinks(calls, source))
         return FileSteps::failure(error);
 
+    // Named after the file that is kept, not after its copy: what a crash left goes with the next copy.
+    const QByteArray beside = FileSteps::folderOf(aside) + '/' + path.mid(path.lastIndexOf('/') + 1);
     constexpr int mostNames = 1000;
     for (int number = 1; number <= mostNames; ++number) {
         const QByteArray kept = number == 1 ? aside : aside + '-' + QByteArray::number(number);
@@ -75,11 +74,12 @@ Result<QByteArray> keepAside(FileCalls &calls, const QByteArray &path, const QBy
         if (linkError && !linksAreRefused(linkError))
             return FileSteps::failure(linkError);
         if (linkError) {
-            int openError = 0;
-            const Result<> copied = copyToNewFile(calls, source, kept, openError);
-            if (openError == EEXIST)
+            struct stat status = {};
+            if (calls.lstat(kept.constData(), &status) == 0)
                 continue;
-            if (!copied)
+            if (errno != ENOENT)
+                return FileSteps::failure(errno);
+            if (const Result<> copied = copyToNewFile(calls, source, beside, kept); !copied)
                 return copied.failure();
         } else {
             syncBytes(calls, source);

@@ -1,5 +1,6 @@
 #include "InstanceFolder.h"
 #include "handOver.h"
+#include "patience.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -38,11 +39,11 @@ public:
         process.waitForFinished();
     }
 
-    /// The next line it prints; empty when none comes within 5 s.
+    /// The next line it prints; empty when none comes.
     QString line()
     {
         while (!process.canReadLine()) {
-            if (!process.waitForReadyRead(5000))
+            if (!process.waitForReadyRead(patience))
                 return {};
         }
         return QString::fromUtf8(process.readLine()).trimmed();
@@ -119,9 +120,9 @@ private Q_SLOTS:
         QElapsedTimer stopwatch;
         stopwatch.start();
         Start start(m_runtime->path());
-        QVERIFY(start.process.waitForFinished(8000));
+        QVERIFY(start.process.waitForFinished(patience));
         QCOMPARE(start.process.exitCode(), 1);
-        QVERIFY(stopwatch.elapsed() > 2500 && stopwatch.elapsed() < 5000);
+        QVERIFY(stopwatch.elapsed() > 2500 && stopwatch.elapsed() < 10000);
         QVERIFY(start.process.readAllStandardError().contains("does not answer"));
         ::close(lock);
     }
@@ -144,7 +145,7 @@ private Q_SLOTS:
         socket.connectToServer(m_runtime->filePath(u"quorvel/socket"_s));
         QVERIFY(socket.waitForConnected());
         socket.write(bytes);
-        QVERIFY(socket.state() == QLocalSocket::UnconnectedState || socket.waitForDisconnected(3000));
+        QVERIFY(socket.state() == QLocalSocket::UnconnectedState || socket.waitForDisconnected(patience));
         QCOMPARE(socket.readAll(), QByteArray());
         Start second(m_runtime->path());
         QCOMPARE(second.line(), u"handed over"_s); // the first one is none the worse
@@ -167,7 +168,7 @@ private Q_SLOTS:
         const auto script = u"import socket,sys\n"
                             "s = socket.socket(socket.AF_UNIX)\n"
                             "s.connect(sys.argv[1])\n"
-                            "s.settimeout(5)\n"
+                            "s.settimeout(30)\n"
                             "try:\n"
                             "    s.sendall(b'\\0\\0\\0\\2[]')\n"
                             "    answer = s.recv(1)\n"
@@ -182,7 +183,7 @@ private Q_SLOTS:
         QCOMPARE(stranger.readAllStandardOutput().trimmed(), QByteArray("answer b''"));
         QVERIFY(!first.process.canReadLine());
         QByteArray said;
-        QTRY_VERIFY((said += first.process.readAllStandardError()).contains("another user"));
+        TRY_VERIFY((said += first.process.readAllStandardError()).contains("another user"));
     }
 
     void unsafeFolderIsRefused_data()

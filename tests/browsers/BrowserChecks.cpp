@@ -2,6 +2,7 @@
 
 #include "BlockingEngine.h"
 #include "BrowserInspector.h"
+#include "patience.h"
 
 #include <QTest>
 
@@ -14,14 +15,8 @@ namespace {
 const QString base = u"http://base.test/remote"_s;
 const QString baseLine = u"1-1 http://base.test/remote"_s;
 
-/// Milliseconds that something may take on a busy machine.
-constexpr int patience = 20'000;
-
 /// The extension calls a relay that has ended again within half a minute, and then it has to start.
 constexpr int patienceForRelay = 60'000;
-
-#define TRY_COMPARE(actual, expected) QTRY_COMPARE_WITH_TIMEOUT(actual, expected, patience)
-#define TRY_VERIFY(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, patience)
 
 } // namespace
 

@@ -1,5 +1,9 @@
 #include "PointerAndKeys.h"
 
+#include "patience.h"
+
+#include <QDeadlineTimer>
+
 using namespace Qt::StringLiterals;
 
 QString PointerAndKeys::window(const QString &title) const
@@ -17,7 +21,12 @@ QString PointerAndKeys::front() const
 
 void PointerAndKeys::bringToFront(const QString &title) const
 {
-    m_desktop.run(u"xdotool"_s, {u"windowactivate"_s, window(title)});
+    // A title follows the page late, and a new window is off the screen while it is framed.
+    const QDeadlineTimer deadline(patience);
+    auto number = window(title);
+    while (number.isEmpty() && !deadline.hasExpired())
+        number = window(title);
+    m_desktop.run(u"xdotool"_s, {u"windowactivate"_s, u"--sync"_s, number});
 }
 
 void PointerAndKeys::clickInto(const QString &title) const

@@ -17,7 +17,8 @@ public:
     /// The title of the window that has the keyboard.
     QString front() const;
 
-    /// Brings the window to the front, as a click on its entry in a task bar does.
+    /// Brings the window to the front, as a click on its entry in a task bar does, and waits until it is
+    /// there.
     void bringToFront(const QString &title) const;
 
     /// Clicks into the middle of the window, which has to be in front.

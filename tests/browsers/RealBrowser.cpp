@@ -1,6 +1,7 @@
 #include "RealBrowser.h"
 
 #include "companionIdentity.h"
+#include "patience.h"
 
 #include <QDir>
 #include <QFile>
@@ -196,5 +197,5 @@ void RealBrowser::callAgain(const QStringList &words)
 {
     ProcessFamily call;
     if (call.start(program(), arguments() + words, m_stage.environment(), log()))
-        call.waitForEnd(10'000);
+        call.waitForEnd(patience);
 }

@@ -2,6 +2,7 @@
 #include "BlockingEngine.h"
 #include "CompanionEnd.h"
 #include "RealBrowser.h"
+#include "patience.h"
 
 #include <QTest>
 
@@ -14,7 +15,6 @@ class TestTwoBrowsers : public QObject
 private Q_SLOTS:
     void oneLookSweepsBoth()
     {
-        constexpr int patience = 30'000;
         BrowserStage stage;
         QVERIFY2(stage.works(), "Xvfb, openbox, xdotool and dbus-daemon are needed");
         CompanionEnd program(stage.programFolder());
@@ -25,22 +25,19 @@ private Q_SLOTS:
         RealBrowser firefox(RealBrowser::Kind::Firefox, stage, extension, relay);
         QVERIFY(chromium.start({u"http://c.test/"_s, u"http://c.blocked.test/"_s}));
         QVERIFY(firefox.start({u"http://f.test/"_s, u"http://f.blocked.test/"_s}));
-        QTRY_COMPARE_WITH_TIMEOUT(program.tabs(u"Chromium"_s),
-                                  QStringList({u"1-1 http://c.test/"_s, u"1-2 http://c.blocked.test/"_s}),
-                                  patience);
-        QTRY_COMPARE_WITH_TIMEOUT(program.tabs(u"Firefox"_s),
-                                  QStringList({u"1-1 http://f.test/"_s, u"1-2 http://f.blocked.test/"_s}),
-                                  patience);
+        TRY_COMPARE(program.tabs(u"Chromium"_s),
+                    QStringList({u"1-1 http://c.test/"_s, u"1-2 http://c.blocked.test/"_s}));
+        TRY_COMPARE(program.tabs(u"Firefox"_s),
+                    QStringList({u"1-1 http://f.test/"_s, u"1-2 http://f.blocked.test/"_s}));
         QCOMPARE(program.scripting().furtherBrowsers(), std::vector<QString>{u"Firefox"_s});
 
         BlockingEngine engine(program.scripting(), {u"Chromium"_s}, {u"blocked.test"_s});
         engine.look();
-        QTRY_COMPARE_WITH_TIMEOUT(program.tabs(u"Chromium"_s), QStringList(u"1-1 http://c.test/"_s),
-                                  patience);
-        QTRY_COMPARE_WITH_TIMEOUT(program.tabs(u"Firefox"_s), QStringList(u"1-1 http://f.test/"_s), patience);
+        TRY_COMPARE(program.tabs(u"Chromium"_s), QStringList(u"1-1 http://c.test/"_s));
+        TRY_COMPARE(program.tabs(u"Firefox"_s), QStringList(u"1-1 http://f.test/"_s));
 
         chromium.processes().kill(); // the other is not touched by it
-        QTRY_COMPARE_WITH_TIMEOUT(program.tabs(u"Chromium"_s), QStringList(), patience);
+        TRY_COMPARE(program.tabs(u"Chromium"_s), QStringList());
         QCOMPARE(program.tabs(u"Firefox"_s), QStringList(u"1-1 http://f.test/"_s));
     }
 };

@@ -2,6 +2,7 @@
 
 #include "companionIdentity.h"
 #include "frames.h"
+#include "patience.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -56,7 +57,7 @@ public:
     }
 
     /// The next message from the relay; none when it does not come within the time.
-    std::optional<std::string> message(int milliseconds = 3000)
+    std::optional<std::string> message(int milliseconds = patience)
     {
         QElapsedTimer stopwatch;
         stopwatch.start();
@@ -125,7 +126,7 @@ public:
     }
 
     /// Bytes that were taken within the time, at most all.
-    std::size_t send(std::string_view bytes, int milliseconds = 3000)
+    std::size_t send(std::string_view bytes, int milliseconds = patience)
     {
         std::size_t sent = 0;
         while (sent < bytes.size() && ready(POLLOUT, milliseconds)) {
@@ -138,7 +139,7 @@ public:
         return sent;
     }
 
-    std::optional<std::string> message(int milliseconds = 3000)
+    std::optional<std::string> message(int milliseconds = patience)
     {
         while (true) {
             if (auto next = reader.next())
@@ -149,7 +150,7 @@ public:
     }
 
     /// Whether the relay closes it within the time, and sends nothing before.
-    bool ends(int milliseconds = 3000)
+    bool ends(int milliseconds = patience)
     {
         return ready(POLLIN, milliseconds) && !receive(0) && reader.pending() == 0;
     }
@@ -203,7 +204,7 @@ public:
     void listen() { ::listen(m_socket, 8); }
 
     /// The next connection; one that is not open when none comes within the time.
-    Connection accept(int milliseconds = 3000)
+    Connection accept(int milliseconds = patience)
     {
         pollfd watched{m_socket, POLLIN, 0};
         const bool there = poll(&watched, 1, milliseconds) == 1;

@@ -216,7 +216,7 @@ private Q_SLOTS:
         for (int turn = 0; turn < 20; ++turn)
             relay.send(writeFrame(std::string(100'000, 'x')));
         relay.process.waitForBytesWritten();
-        QTRY_COMPARE(relay.process.bytesToWrite(), 0);
+        TRY_COMPARE(relay.process.bytesToWrite(), 0);
         relay.send(writeFrame("{\"begun\":1}").substr(0, 6));
         QThread::msleep(100);
         Server server(m_socket);
@@ -335,7 +335,7 @@ private Q_SLOTS:
         const auto server = withProgram ? std::make_unique<Server>(m_socket) : nullptr;
         RelayRun relay(m_runtime->path());
         relay.send(lengthOf(length));
-        QVERIFY(relay.process.waitForFinished(3000));
+        QVERIFY(relay.process.waitForFinished(patience));
         QCOMPARE(relay.process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(relay.process.exitCode(), 1);
         QCOMPARE(relay.process.readAllStandardError().count('\n'), 1);
@@ -396,7 +396,7 @@ private Q_SLOTS:
         qInfo("the relay has %lld MiB", relay.mebibytes());
         for (int turn = 0; turn < messages; ++turn) {
             std::optional<std::string> got;
-            for (int patience = 0; patience < 3000 && !got; ++patience) {
+            for (int attempt = 0; attempt < 3000 && !got; ++attempt) {
                 relay.process.waitForBytesWritten(1);
                 got = connection.message(1);
             }
@@ -512,8 +512,8 @@ private Q_SLOTS:
         ::close(ends[0]);
         waitpid(child, nullptr, 0);
         QByteArray said;
-        QTRY_VERIFY((relay.process.waitForReadyRead(20), said += relay.process.readAllStandardError(),
-                     said.contains("another user")));
+        TRY_VERIFY((relay.process.waitForReadyRead(20), said += relay.process.readAllStandardError(),
+                    said.contains("another user")));
     }
 
 private:
@@ -531,7 +531,7 @@ private:
 
     static void verifyEndsWell(RelayRun &relay)
     {
-        QVERIFY(relay.process.waitForFinished(3000));
+        QVERIFY(relay.process.waitForFinished(patience));
         QCOMPARE(relay.process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(relay.process.exitCode(), 0);
         QCOMPARE(relay.process.readAllStandardError(), QByteArray());

@@ -1,5 +1,6 @@
 #include "VirtualDesktop.h"
 
+#include "desktopParts.h"
 #include "freeDisplay.h"
 
 #include <QDir>
@@ -9,22 +10,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The first line that a program prints; empty when none comes within 10 s.
-QString firstLine(QProcess &process)
-{
-    while (!process.canReadLine()) {
-        if (!process.waitForReadyRead(10000))
-            return {};
-    }
-    return QString::fromUtf8(process.readLine()).trimmed();
-}
-
 void end(QProcess &process)
 {
     if (process.state() == QProcess::NotRunning)
         return;
     process.terminate();
-    if (!process.waitForFinished(3000)) {
+    if (!process.waitForFinished(patience)) {
         process.kill();
         process.waitForFinished();
     }
@@ -35,6 +26,8 @@ void end(QProcess &process)
 VirtualDesktop::VirtualDesktop()
     : m_environment(QProcessEnvironment::systemEnvironment())
 {
+    for (auto *process : {&m_server, &m_manager, &m_bus})
+        bindToTest(*process);
     for (const auto &name : {u"WAYLAND_DISPLAY"_s, u"DESKTOP_STARTUP_ID"_s, u"QT_QPA_PLATFORM"_s,
                              u"SESSION_MANAGER"_s, u"XDG_CURRENT_DESKTOP"_s})
         m_environment.remove(name);
@@ -66,34 +59,30 @@ bool VirtualDesktop::startServer()
     m_server.start(u"Xvfb"_s,
                    {freeDisplay(), u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, u"1400x1000x24"_s,
                     u"-nolisten"_s, u"tcp"_s, u"-nolisten"_s, u"local"_s, u"-noreset"_s});
-    const auto number = firstLine(m_server);
+    const auto number = QString::fromLatin1(firstLine(m_server));
     if (number.isEmpty())
         return false;
     m_environment.insert(u"DISPLAY"_s, u":"_s + number);
     m_manager.setProcessEnvironment(m_environment);
     m_manager.start(u"openbox"_s, {});
-    for (int attempt = 0; attempt < 100; ++attempt) {
-        if (!run(u"xdotool"_s, {u"get_num_desktops"_s}).isEmpty()) // a window manager says it
-            return true;
-        m_manager.waitForFinished(50);
-    }
-    return false;
+    return waitForManager(m_environment, m_manager);
 }
 
 bool VirtualDesktop::startBus()
 {
     m_bus.setProcessEnvironment(m_environment);
     m_bus.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address"_s});
-    const auto address = firstLine(m_bus);
+    const auto address = QString::fromUtf8(firstLine(m_bus));
     m_environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, address);
     return !address.isEmpty();
 }
 
 QString VirtualDesktop::run(const QString &program, const QStringList &arguments) const
 {
-    QProcess process;
-    process.setProcessEnvironment(m_environment);
-    process.start(program, arguments);
-    process.waitForFinished(5000);
-    return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+    return outputOf(m_environment, program, arguments);
+}
+
+QString VirtualDesktop::report() const
+{
+    return desktopReport(m_environment, {&m_server, &m_manager, &m_bus});
 }

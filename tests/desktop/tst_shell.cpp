@@ -1,6 +1,7 @@
 // The whole program on a desktop of its own: its window, its status item, and how it starts again and ends.
 #include "StatusWatcher.h"
 #include "VirtualDesktop.h"
+#include "desktopParts.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -21,6 +22,7 @@ private:
     void startProgram(QProcess &process, const QStringList &arguments = {})
     {
         process.setProcessEnvironment(m_desktop->environment());
+        bindToTest(process);
         process.start(QString::fromLocal8Bit(QUORVEL_PROGRAM), arguments);
     }
 
@@ -78,12 +80,14 @@ private Q_SLOTS:
         QVERIFY(m_watcher->works());
         m_program = std::make_unique<QProcess>();
         startProgram(*m_program);
-        QTRY_VERIFY_WITH_TIMEOUT(windowStandsInFront(), 30000); // a busy machine with sanitizers is slow
-        QTRY_COMPARE(m_watcher->items().size(), 1);
+        TRY_VERIFY(windowStandsInFront());
+        TRY_COMPARE(m_watcher->items().size(), 1);
     }
 
     void cleanup()
     {
+        if (QTest::currentTestFailed() && m_desktop)
+            qWarning().noquote() << "The desktop:" << m_desktop->report();
         if (m_program && m_program->state() != QProcess::NotRunning) {
             m_program->kill();
             m_program->waitForFinished();
@@ -101,28 +105,28 @@ private Q_SLOTS:
         QVERIFY2(qAbs(left - 110) <= 10,
                  qPrintable(QString::number(left))); // centred on 1400, but for its frame
         m_desktop->run(u"xdotool"_s, {u"windowsize"_s, window(), u"300"_s, u"300"_s});
-        QTRY_VERIFY(geometry().contains(u"WIDTH=900"_s));
+        TRY_VERIFY(geometry().contains(u"WIDTH=900"_s));
         QVERIFY(geometry().contains(u"HEIGHT=640"_s));
     }
 
     void closedWindowComesBackAndProgramLives()
     {
-        QTRY_VERIFY(windowCloses());
+        TRY_VERIFY(windowCloses());
         QCOMPARE(m_program->state(), QProcess::Running);
         QCOMPARE(title(), u"QV Ready"_s);
         QVERIFY(m_watcher->pressEntry(u"Show Quorvel"_s));
-        QTRY_VERIFY(windowStandsInFront());
+        TRY_VERIFY(windowStandsInFront());
 
-        QTRY_VERIFY(windowCloses());
+        TRY_VERIFY(windowCloses());
         QProcess second;
         startProgram(second, {u"https://example.org"_s}); // raises the window whatever it carries
-        QVERIFY(second.waitForFinished());
+        QVERIFY(second.waitForFinished(patience));
         QCOMPARE(second.exitCode(), 0);
-        QTRY_VERIFY(windowStandsInFront());
+        TRY_VERIFY(windowStandsInFront());
 
-        QTRY_VERIFY(windowCloses());
+        TRY_VERIFY(windowCloses());
         m_watcher->activate();
-        QTRY_VERIFY(windowStandsInFront());
+        TRY_VERIFY(windowStandsInFront());
     }
 
     void statusItemTellsAndCommands()
@@ -130,28 +134,28 @@ private Q_SLOTS:
         QCOMPARE(title(), u"QV Ready"_s);
         QCOMPARE(m_watcher->menuLabels(), QStringList({u"Show Quorvel"_s, u"Start Study"_s, u"Lock Now"_s,
                                                        u"Stop Quorvel"_s, u"-"_s, u"Quit"_s}));
-        QTRY_VERIFY(windowCloses());
+        TRY_VERIFY(windowCloses());
         QVERIFY(m_watcher->pressEntry(u"Lock Now"_s));
-        QTRY_COMPARE(title(), u"QV Locked"_s);
+        TRY_COMPARE(title(), u"QV Locked"_s);
         QVERIFY(m_watcher->pressEntry(u"Stop Quorvel"_s));
-        QTRY_COMPARE(title(), u"QV Ready"_s);
+        TRY_COMPARE(title(), u"QV Ready"_s);
         QVERIFY(window().isEmpty());
         QVERIFY(m_watcher->pressEntry(u"Start Study"_s));
-        QTRY_VERIFY(title().startsWith(u"QV 2"_s)); // "QV 25:00" and falling, or paused there
-        QTRY_VERIFY(windowStandsInFront());
+        TRY_VERIFY(title().startsWith(u"QV 2"_s)); // "QV 25:00" and falling, or paused there
+        TRY_VERIFY(windowStandsInFront());
         QVERIFY(m_watcher->pressEntry(u"Quit"_s));
-        QVERIFY(m_program->waitForFinished(3000));
+        QVERIFY(m_program->waitForFinished(patience));
         QCOMPARE(m_program->exitCode(), 0);
     }
 
     void keysCommand()
     {
         m_desktop->run(u"xdotool"_s, {u"key"_s, u"ctrl+l"_s});
-        QTRY_COMPARE(title(), u"QV Locked"_s);
+        TRY_COMPARE(title(), u"QV Locked"_s);
         m_desktop->run(u"xdotool"_s, {u"key"_s, u"ctrl+s"_s});
-        QTRY_VERIFY(title().startsWith(u"QV 2"_s));
+        TRY_VERIFY(title().startsWith(u"QV 2"_s));
         m_desktop->run(u"xdotool"_s, {u"key"_s, u"ctrl+q"_s});
-        QVERIFY(m_program->waitForFinished(3000));
+        QVERIFY(m_program->waitForFinished(patience));
         QCOMPARE(m_program->exitCode(), 0);
     }
 
@@ -160,8 +164,8 @@ private Q_SLOTS:
         QElapsedTimer stopwatch;
         stopwatch.start();
         m_program->terminate();
-        QVERIFY(m_program->waitForFinished(3000));
-        QVERIFY2(stopwatch.elapsed() < 1500, qPrintable(QString::number(stopwatch.elapsed())));
+        QVERIFY(m_program->waitForFinished(patience));
+        QVERIFY2(stopwatch.elapsed() < 5000, qPrintable(QString::number(stopwatch.elapsed())));
         QCOMPARE(m_program->exitStatus(), QProcess::NormalExit);
         QCOMPARE(m_program->exitCode(), 0);
     }

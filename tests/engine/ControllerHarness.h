@@ -11,20 +11,6 @@
 
 #include <memory>
 
-/// Sets parts of a controller's state that its commands reach only through cards.
-struct ControllerState
-{
-    static void setTopicCardCount(QuorvelController &controller, qint64 count)
-    {
-        controller.m_topicCardCount = count;
-    }
-    static void addProof(QuorvelController &controller)
-    {
-        controller.m_currentSessionProofCardIDs.insert(QUuid::createUuid());
-        controller.m_currentSessionCardProofCount = controller.m_currentSessionProofCardIDs.size();
-    }
-};
-
 /// A controller on a desktop of fakes, with the study application "Anki" in front. Time passes only by
 /// seconds().
 struct ControllerHarness
@@ -47,6 +33,26 @@ struct ControllerHarness
     {
         files.files[QStringLiteral("progress.json")] = encodeUserProgress(progress);
     }
+    void storeCards(const std::deque<StudyCard> &cards)
+    {
+        files.files[QStringLiteral("study-cards.json")] = encodeStudyCards(cards);
+    }
+    void storeTasks(const std::deque<StudyTask> &tasks)
+    {
+        files.files[QStringLiteral("study-tasks.json")] = encodeStudyTasks(tasks);
+    }
+    QuorvelConfig storedConfig()
+    {
+        return decodeConfig(files.files.at(QStringLiteral("config.json"))).value();
+    }
+    std::deque<StudyCard> storedCards()
+    {
+        return decodeStudyCards(files.files.at(QStringLiteral("study-cards.json"))).value();
+    }
+    std::deque<StudyTask> storedTasks()
+    {
+        return decodeStudyTasks(files.files.at(QStringLiteral("study-tasks.json"))).value();
+    }
     UserProgress storedProgress()
     {
         return decodeUserProgress(files.files.at(QStringLiteral("progress.json"))).value();
@@ -65,6 +71,34 @@ struct ControllerHarness
         return start();
     }
 
+    /// The record files that were written, in order; their rolling copies are not among them.
+    QStringList saves() const
+    {
+        QStringList names;
+        for (const auto &step : files.steps) {
+            if (step.startsWith(u"write "))
+                names.append(step.sliced(6));
+        }
+        return names;
+    }
+
+    /// Types a card into the editor and adds it.
+    void addCard(const QString &prompt, const QString &expectedAnswer, const QString &topic = {})
+    {
+        controller->setNewCardPromptText(prompt);
+        controller->setNewCardAnswerText(expectedAnswer);
+        controller->setNewCardTopicText(topic);
+        controller->addStudyCard();
+    }
+    /// Types an answer to the card that is asked.
+    void answer(const QString &text)
+    {
+        controller->setQuizAnswerText(text);
+        controller->submitQuizAnswer();
+    }
+    /// Answers the card that is asked with the first alternative that it expects.
+    void answerRightly() { answer(controller->activeStudyCardOrEmpty().expectedAnswer.section(u'|', 0, 0)); }
+
     /// Lets whole seconds pass, one heartbeat each.
     void seconds(qint64 count)
     {
@@ -81,6 +115,18 @@ struct ControllerHarness
         for (const auto &line : controller->recentEvents())
             messages.append(line.section(u' ', 1)); // the test locale writes the time as one word
         return messages;
+    }
+
+    static StudyCard card(const QString &prompt, const QString &expectedAnswer,
+                          const std::optional<QString> &topic = std::nullopt)
+    {
+        StudyCard made;
+        made.id = QUuid::createUuid();
+        made.topic = topic;
+        made.prompt = prompt;
+        made.expectedAnswer = expectedAnswer;
+        made.createdAt = QDateTime(QDate(2026, 9, 1), QTime(8, 0), Qt::UTC);
+        return made;
     }
 
     static QuorvelConfig config(qint64 studyMinutes = 25, qint64 breakMinutes = 45, qint64 requiredProofs = 0)

@@ -10,13 +10,13 @@ using Mode = QuorvelController::Mode;
 
 namespace {
 
-/// A one-minute session that asks for two proofs.
+/// A one-minute session that asks for two proofs, with as many cards.
 struct ProofSession : ControllerHarness
 {
     ProofSession()
     {
+        storeCards({card(u"2 + 2"_s, u"4"_s), card(u"2 + 3"_s, u"5"_s)});
         startWith(config(1, 5, 2));
-        ControllerState::setTopicCardCount(*controller, 2);
         controller->startStudy();
     }
 };
@@ -271,12 +271,13 @@ private Q_SLOTS:
         QCOMPARE(controller.todayStudySeconds(), 60);
         QVERIFY(controller.isBlockingActive());
         QCOMPARE(controller.statusMessage(), u"Timer done. Solve 2 more unique cards to unlock break."_s);
-        ControllerState::addProof(controller);
+        session.answerRightly();
+        QCOMPARE(controller.statusMessage(), u"Timer done. Solve 1 more unique card to unlock break."_s);
         session.seconds(1);
         QCOMPARE(controller.statusMessage(), u"Timer done. Solve 1 more unique card to unlock break."_s);
-        ControllerState::addProof(controller);
-        session.seconds(1);
+        session.answerRightly();
         QCOMPARE(controller.mode(), Mode::BreakTime);
+        QCOMPARE(controller.statusMessage(), u"Break unlocked."_s);
         QCOMPARE(controller.currentSessionCardProofCount(), 0);
         QCOMPARE(controller.completedSessions(), 1);
     }
@@ -296,17 +297,19 @@ private Q_SLOTS:
         ProofSession session;
         session.seconds(60);
         session.applications.leaveFrontEmpty();
-        ControllerState::addProof(*session.controller);
-        ControllerState::addProof(*session.controller);
         session.seconds(1);
+        session.answerRightly();
+        QCOMPARE(session.controller->mode(), Mode::Studying);
+        session.answerRightly();
         QCOMPARE(session.controller->mode(), Mode::BreakTime);
     }
 
     void proofsGivenWhileTheClockRunsOpenTheBreakOnItsLastSecond()
     {
         ProofSession session;
-        ControllerState::addProof(*session.controller);
-        ControllerState::addProof(*session.controller);
+        session.answerRightly();
+        session.answerRightly();
+        QCOMPARE(session.controller->mode(), Mode::Studying);
         session.seconds(1);
         QCOMPARE(session.controller->statusMessage(),
                  u"Counting study time. Card proof: 2/2. Active app: Anki."_s);
@@ -319,7 +322,8 @@ private Q_SLOTS:
     {
         for (const auto leave : {&QuorvelController::lockNow, &QuorvelController::stopQuorvel}) {
             ProofSession session;
-            ControllerState::addProof(*session.controller);
+            session.answerRightly();
+            QCOMPARE(session.controller->currentSessionCardProofCount(), 1);
             (session.controller.get()->*leave)();
             QCOMPARE(session.controller->currentSessionCardProofCount(), 0);
         }

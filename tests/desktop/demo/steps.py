@@ -13,6 +13,7 @@ from virtualDesktop import wait_until
 IDLE_LIMIT = 4  # seconds; the shortest that leaves time to see it counting
 LOOK = 5  # seconds from one look at the tabs to the next
 GRACE = 5.0  # seconds that a blocked application has after it was asked to quit
+SHOWN = 20  # seconds; a text that comes at all comes sooner, also where the machine is busy
 CLOCK = r"\d\d:\d\d"
 COUNTING = r"Counting study time\. Card proof: Off\. Active app: Anki\."
 STEAM_RUNS = r"Paused: blocked app is running: Steam\."
@@ -29,7 +30,7 @@ def event(text):
 
 
 def clock_seconds(window):
-    minutes, seconds = window.wait_for(CLOCK, 5).split(":")
+    minutes, seconds = window.wait_for(CLOCK, SHOWN).split(":")
     return int(minutes) * 60 + int(seconds)
 
 
@@ -64,7 +65,7 @@ def enter_as_guest(stage, report):
         step.saw(stage.window.wait_for("Welcome to Quorvel", 20))
         step.saw(stage.picture("first-screen"))
         stage.window.press("Continue as Guest")
-        step.saw(stage.window.wait_for(r"Ready\. Blocking is off until you start\.", 5))
+        step.saw(stage.window.wait_for(r"Ready\. Blocking is off until you start\.", SHOWN))
         step.saw(stage.picture("ready"))
 
 
@@ -74,7 +75,7 @@ def start_studying(stage, report):
         stage.bring_to_front(anki)
         with stage.hands():
             stage.window.press("Start Study")
-            step.saw(stage.window.wait_for(COUNTING, 5))
+            step.saw(stage.window.wait_for(COUNTING, SHOWN))
             before = clock_seconds(stage.window)
             time.sleep(3)
             counted = before - clock_seconds(stage.window)
@@ -92,7 +93,7 @@ def pause_when_nobody_is_there(stage, report, anki):
         step.saw(stage.picture("idle-pause"))
         stage.bring_to_front(anki)
         with stage.hands():
-            step.saw(stage.window.wait_for(COUNTING, 4))
+            step.saw(stage.window.wait_for(COUNTING, SHOWN))
 
 
 def stands_still(stage, step, seconds):
@@ -107,11 +108,11 @@ def close_steam(stage, report, anki):
     with report.step("Steam", "a blocked application pauses the session and is asked to quit, which it does") as step:
         with stage.hands():
             steam = stage.open("Steam")
-            step.saw(stage.window.wait_for(STEAM_RUNS, 4))
+            step.saw(stage.window.wait_for(STEAM_RUNS, SHOWN))
             waited = seconds_until(lambda: steam.poll() is not None, 4, "the end of Steam")
             step.check(steam.returncode == 0, f"Steam ended by itself within {waited:.1f} s, with {steam.returncode}")
             stage.scroll_to_end()
-            step.saw(stage.window.wait_for(event("Closed Steam."), 3))
+            step.saw(stage.window.wait_for(event("Closed Steam."), SHOWN))
             step.check(not stage.window.find(event("Force closed Steam.")), "no force was needed")
             step.saw(stage.picture("steam-closed"))
             go_on(stage, step, anki)
@@ -121,7 +122,7 @@ def go_on(stage, step, anki):
     """Back to Anki; the clock goes on."""
     stage.scroll_to_start()
     stage.bring_to_front(anki)
-    step.saw(stage.window.wait_for(COUNTING, 4))
+    step.saw(stage.window.wait_for(COUNTING, SHOWN))
 
 
 def close_discord_by_force(stage, report, anki):
@@ -132,13 +133,13 @@ def close_discord_by_force(stage, report, anki):
             not_yet, asked = stage.window.moment_of(r"Paused: blocked app is running: Discord\.", 4)
             step.saw(stage.picture("discord-asked"))
             stage.scroll_to_end()
-            step.saw(stage.window.wait_for(event("Closed Discord."), 3))
+            step.saw(stage.window.wait_for(event("Closed Discord."), SHOWN))
             step.check(not stage.window.find(event("Force closed Discord.")) and discord.poll() is None, "still runs")
             seconds_until(lambda: discord.poll() is not None, 10, "the end of Discord")
             ended = time.monotonic()
             step.check(ended - not_yet > GRACE, f"ended {ended - asked:.2f} to {ended - not_yet:.2f} s after the request")
             step.check(discord.returncode == -signal.SIGKILL, f"by signal {-discord.returncode}")
-            step.saw(stage.window.wait_for(event("Force closed Discord."), 3))
+            step.saw(stage.window.wait_for(event("Force closed Discord."), SHOWN))
             step.saw(stage.picture("discord-closed-by-force"))
             go_on(stage, step, anki)
 
@@ -147,7 +148,7 @@ def pause_in_front_of_quorvel(stage, report, anki):
     with report.step("Quorvel in front", "Quorvel is no study application either: looking at it pauses the session") as step:
         with stage.hands():
             stage.bring_to_front(stage.quorvel)
-            step.saw(stage.window.wait_for(r"Paused: [Qq]uorvel is not in allowed study apps\.", 4))
+            step.saw(stage.window.wait_for(r"Paused: [Qq]uorvel is not in allowed study apps\.", SHOWN))
             stands_still(stage, step, 2)
             step.saw(stage.picture("quorvel-in-front"))
             go_on(stage, step, anki)
@@ -165,7 +166,7 @@ def close_a_blocked_tab(stage, report, anki, companion):
             step.saw(stage.wait_for_title(chromium, "Lesson 7", LOOK + 3))
             step.saw(f"back in front at most {time.monotonic() - opened:.1f} s after the other was opened")
             stage.scroll_to_end()
-            step.saw(stage.window.wait_for(event("Closed 1 blocked browser tab: 9gag.com."), 3))
+            step.saw(stage.window.wait_for(event("Closed 1 blocked browser tab: 9gag.com."), SHOWN))
             step.check(browser.asked_for("lessons.example") == 1, "the other tab was not loaded again")
             step.saw(stage.picture("blocked-tab-closed"))
             time.sleep(LOOK + 1)
@@ -179,12 +180,12 @@ def speak_russian(stage, report, anki):
         stage.bring_to_front(anki)
         with stage.hands():
             stage.window.press("RUS")
-            step.saw(stage.window.wait_for(r"Считаю учебное время\. Пруф: Выкл\. Активное приложение: Anki\.", 4))
-            step.saw(stage.window.wait_for("Начать учёбу", 2))
+            step.saw(stage.window.wait_for(r"Считаю учебное время\. Пруф: Выкл\. Активное приложение: Anki\.", SHOWN))
+            step.saw(stage.window.wait_for("Начать учёбу", SHOWN))
             step.saw(stage.picture("russian"))
             stage.window.press("ENG")
-            step.saw(stage.window.wait_for(COUNTING, 4))
-            step.saw(stage.window.wait_for("Start Study", 2))
+            step.saw(stage.window.wait_for(COUNTING, SHOWN))
+            step.saw(stage.window.wait_for("Start Study", SHOWN))
             step.saw(stage.picture("english-again"))
 
 
@@ -193,13 +194,13 @@ def earn_the_break(stage, report, anki):
         with stage.hands():
             waited = seconds_until(lambda: stage.window.find("Break remaining"), 70, "the break")
             step.saw(f"after {waited:.0f} s more")
-            step.saw(stage.window.wait_for(r"Break unlocked\.|Break is active\. Entertainment is allowed\.", 3))
-            step.saw(stage.window.wait_for(r"26/100 XP", 2))
+            step.saw(stage.window.wait_for(r"Break unlocked\.|Break is active\. Entertainment is allowed\.", SHOWN))
+            step.saw(stage.window.wait_for(r"26/100 XP", SHOWN))
             step.saw(stage.picture("break"))
             stage.scroll_to_end()
             for line in ("+1 XP. Focused for one minute.", "+25 XP. Study session completed.",
                          "Study session completed. Break unlocked."):
-                step.saw(stage.window.wait_for(event(line), 3))
+                step.saw(stage.window.wait_for(event(line), SHOWN))
             step.saw(stage.picture("events"))
             stage.scroll_to_start()
             stage.end(anki)
@@ -211,10 +212,10 @@ def leave_steam_alone(stage, report):
         time.sleep(GRACE + 2)
         step.check(steam.poll() is None, f"Steam still runs after {GRACE + 2:.0f} s" if steam.returncode is None
                    else f"Steam ended with {steam.returncode}")
-        step.saw(stage.window.wait_for(r"Break is active\. Entertainment is allowed\.", 2))
+        step.saw(stage.window.wait_for(r"Break is active\. Entertainment is allowed\.", SHOWN))
         step.saw(stage.picture("steam-in-the-break"))
         stage.scroll_to_end()
-        stage.window.wait_for(event("Study session completed. Break unlocked."), 3)
+        stage.window.wait_for(event("Study session completed. Break unlocked."), SHOWN)
         about = [text for text in stage.window.texts() if re.fullmatch(event("Closed Steam."), text)]
         step.check(len(about) <= 1, f"nothing new about Steam in the log: {about}")
         stage.end(steam)

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <functional>
 #include <limits>
 #include <map>
 
@@ -20,6 +21,8 @@ public:
     std::map<QByteArray, int> failures; ///< the errno with which every call of a name fails
     std::size_t longestWrite = std::numeric_limits<std::size_t>::max(); ///< bytes that one write() takes
     qint64 written = 0;                                                 ///< bytes in all
+    std::function<void(qsizetype step)>
+        beforeStep; ///< is told of every call before it is made, where it is set
 
     int open(const char *path, int flags, mode_t mode) override
     {
@@ -52,6 +55,10 @@ public:
     {
         return fails("fstat") ? -1 : FileCalls::fstat(file, status);
     }
+    int lstat(const char *path, struct stat *status) override
+    {
+        return fails("lstat") ? -1 : FileCalls::lstat(path, status);
+    }
     int rename(const char *from, const char *to) override
     {
         return fails("rename") ? -1 : FileCalls::rename(from, to);
@@ -69,11 +76,20 @@ public:
     {
         return fails("readlink") ? -1 : FileCalls::readlink(path, buffer, size);
     }
+    DIR *opendir(const char *path) override { return fails("opendir") ? nullptr : FileCalls::opendir(path); }
+    dirent *readdir(DIR *folder) override { return fails("readdir") ? nullptr : FileCalls::readdir(folder); }
+    int closedir(DIR *folder) override
+    {
+        FileCalls::closedir(folder);
+        return fails("closedir") ? -1 : 0;
+    }
 
 private:
     bool fails(const char *name)
     {
         steps.push_back(name);
+        if (beforeStep)
+            beforeStep(steps.size() - 1);
         const auto named = failures.find(name);
         const bool now = steps.size() - 1 == failingStep;
         if (now || named != failures.end())

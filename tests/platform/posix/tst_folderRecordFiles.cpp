@@ -5,6 +5,7 @@
 
 #include <QTest>
 
+#include <algorithm>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -29,6 +30,12 @@ private Q_SLOTS:
     void saysWhyAFolderCannotBeWritten();
     void readsAndWritesThroughALink();
     void keepsAsideUnderTheNextFreeName();
+    void makesAPrivateFolderForCopies();
+    void listsPlainFilesAlone();
+    void saysWhyAFolderCannotBeListed_data();
+    void saysWhyAFolderCannotBeListed();
+    void aFileThatGoesWhileTheFolderIsListedIsLeftOut();
+    void saysWhyAFileCannotBeRemoved();
 };
 
 void tst_folderRecordFiles::readingCreatesNothing()
@@ -215,6 +222,86 @@ void tst_folderRecordFiles::keepsAsideUnderTheNextFreeName()
     QCOMPARE(content(home.filePath(u"aside"_s)), QByteArray("one"));
     QCOMPARE(content(home.filePath(u"aside-2"_s)), QByteArray("two"));
     QCOMPARE(names(home.path()), (QStringList{u"aside"_s, u"aside-2"_s, u"cards"_s}));
+}
+
+void tst_folderRecordFiles::makesAPrivateFolderForCopies()
+{
+    QTemporaryDir home;
+    FailingFileCalls calls;
+    FolderRecordFiles files(home.path(), calls);
+    QVERIFY(files.write(u"cards"_s, "one").ok());
+    calls.steps.clear();
+    QVERIFY(files.keepAside(u"cards"_s, u"backups/aside"_s).ok());
+    QCOMPARE(mode(home.filePath(u"backups"_s)), 0700);
+    QCOMPARE(calls.steps.count("fsync"), 3); // the new folder's name, the bytes, the name in it
+    calls.steps.clear();
+    QVERIFY(files.keepAside(u"cards"_s, u"backups/second"_s).ok());
+    QCOMPARE(calls.steps.count("fsync"), 2);
+    QCOMPARE(calls.steps.count("write"), 0); // a second name costs no bytes
+}
+
+void tst_folderRecordFiles::listsPlainFilesAlone()
+{
+    QTemporaryDir home;
+    const QString backups = home.filePath(u"backups"_s);
+    QVERIFY(QDir(home.path()).mkpath(u"backups/folder"_s));
+    put(backups + u"/plain"_s, "12345");
+    put(backups + u"/.hidden"_s, "");
+    put(backups + u"/карточки"_s, "1");
+    symbolicLink(u"plain"_s, backups + u"/link"_s);
+    symbolicLink(u"nowhere"_s, backups + u"/dangling"_s);
+    QCOMPARE(::mkfifo(QFile::encodeName(backups + u"/pipe"_s).constData(), 0600), 0);
+    auto listed = FolderRecordFiles(home.path()).list(u"backups"_s).value();
+    std::sort(listed.begin(), listed.end(), [](auto &left, auto &right) { return left.name < right.name; });
+    QCOMPARE(listed, (std::vector<ListedFile>{{u".hidden"_s, 0}, {u"plain"_s, 5}, {u"карточки"_s, 1}}));
+}
+
+void tst_folderRecordFiles::saysWhyAFolderCannotBeListed_data()
+{
+    QTest::addColumn<QByteArray>("call");
+    for (const char *call : {"opendir", "readdir", "lstat"})
+        QTest::newRow(call) << QByteArray(call);
+    QTest::newRow("a file") << QByteArray();
+}
+
+void tst_folderRecordFiles::saysWhyAFolderCannotBeListed()
+{
+    QFETCH(QByteArray, call);
+    QTemporaryDir home;
+    FailingFileCalls calls;
+    if (call.isEmpty()) {
+        put(home.filePath(u"backups"_s), "plain");
+    } else {
+        QVERIFY(QDir(home.path()).mkdir(u"backups"_s));
+        calls.failures[call] = EIO;
+    }
+    const auto listed = FolderRecordFiles(home.path(), calls).list(u"backups"_s);
+    QVERIFY(!listed.ok());
+    QCOMPARE(listed.reason(), description(call.isEmpty() ? ENOTDIR : EIO));
+    QCOMPARE(calls.steps.count("closedir"), call.isEmpty() || call == "opendir" ? 0 : 1);
+}
+
+void tst_folderRecordFiles::aFileThatGoesWhileTheFolderIsListedIsLeftOut()
+{
+    QTemporaryDir home;
+    QVERIFY(QDir(home.path()).mkdir(u"backups"_s));
+    put(home.filePath(u"backups/copy"_s), "1");
+    FailingFileCalls calls;
+    calls.failures["lstat"] = ENOENT;
+    const auto listed = FolderRecordFiles(home.path(), calls).list(u"backups"_s);
+    QVERIFY(listed.ok());
+    QVERIFY(listed.value().empty());
+}
+
+void tst_folderRecordFiles::saysWhyAFileCannotBeRemoved()
+{
+    QTemporaryDir home;
+    put(home.filePath(u"cards"_s), "1");
+    FailingFileCalls calls;
+    calls.failures["unlink"] = EACCES;
+    const auto removed = FolderRecordFiles(home.path(), calls).remove(u"cards"_s);
+    QVERIFY(!removed.ok());
+    QCOMPARE(removed.reason(), description(EACCES));
 }
 
 QTEST_APPLESS_MAIN(tst_folderRecordFiles)

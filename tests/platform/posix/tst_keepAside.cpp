@@ -32,6 +32,8 @@ private Q_SLOTS:
     void keepsTheFileBehindALink();
     void copiesWhereLinksAreRefused_data();
     void copiesWhereLinksAreRefused();
+    void aCopyHasItsNameOnlyOnceItIsWhole();
+    void aCopyTakesAwayWhatACrashLeft();
     void keepsWhatCannotBeRead();
     void leavesNothingNewAfterAFailure_data();
     void leavesNothingNewAfterAFailure();
@@ -108,6 +110,36 @@ void tst_keepAside::copiesWhereLinksAreRefused()
     QCOMPARE(content(home.filePath(u"aside"_s)), bytes);
     QCOMPARE(mode(home.filePath(u"aside"_s)), 0600);
     QCOMPARE(calls.steps.count("fsync"), 2); // the copy and the folder
+}
+
+void tst_keepAside::aCopyHasItsNameOnlyOnceItIsWhole()
+{
+    QTemporaryDir home;
+    put(home.filePath(u"file"_s), "bytes");
+    FailingFileCalls calls;
+    calls.failures["link"] = EPERM;
+    calls.longestWrite = 1;
+    int seen = 0;
+    calls.beforeStep = [&](qsizetype) {
+        if (QFile::exists(home.filePath(u"aside"_s))) {
+            ++seen;
+            QCOMPARE(content(home.filePath(u"aside"_s)), QByteArray("bytes"));
+        }
+    };
+    QVERIFY(keep(calls, home).ok());
+    QVERIFY(seen > 0);
+    QCOMPARE(names(home.path()), (QStringList{u"aside"_s, u"file"_s}));
+}
+
+void tst_keepAside::aCopyTakesAwayWhatACrashLeft()
+{
+    QTemporaryDir home;
+    put(home.filePath(u"file"_s), "bytes");
+    put(home.filePath(u".file.new"_s), "half");
+    FailingFileCalls calls;
+    calls.failures["link"] = EPERM;
+    QVERIFY(keep(calls, home).ok());
+    QCOMPARE(names(home.path()), (QStringList{u"aside"_s, u"file"_s}));
 }
 
 void tst_keepAside::keepsWhatCannotBeRead()

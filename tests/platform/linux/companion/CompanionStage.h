@@ -24,7 +24,7 @@ public:
     explicit CompanionClient(const QString &path)
     {
         m_socket.connectToServer(path);
-        if (!m_socket.waitForConnected(3000))
+        if (!m_socket.waitForConnected(30'000))
             qFatal("the test's socket cannot connect");
     }
 
@@ -49,7 +49,7 @@ public:
              R"(,"version":"1","privateWindows":)" + (privateWindows ? "true" : "false") + '}');
     }
 
-    /// The next message of the program; null where none comes within 3 s.
+    /// The next message of the program; null where none comes within 30 s.
     nlohmann::json next()
     {
         std::optional<std::string> message;
@@ -60,7 +60,7 @@ public:
                 message = m_frames.next();
                 return message.has_value();
             },
-            3000);
+            30'000);
         return came ? nlohmann::json::parse(*message, nullptr, false) : nlohmann::json();
     }
 

@@ -67,7 +67,7 @@ private Q_SLOTS:
         if (QStandardPaths::findExecutable(u"dbus-daemon"_s).isEmpty())
             QSKIP("not run: there is no dbus-daemon here");
         m_bus.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address"_s});
-        QVERIFY(m_bus.waitForReadyRead(5000));
+        QVERIFY(m_bus.waitForReadyRead(30'000));
         m_address = QString::fromUtf8(m_bus.readLine().trimmed());
     }
     void cleanup()

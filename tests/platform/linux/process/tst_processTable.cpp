@@ -182,7 +182,7 @@ private Q_SLOTS:
         QVERIFY(!sleeper.waitForFinished(100));
         QVERIFY(table.signal(key, SIGKILL));
         // Ended but not yet waited for: it is gone for us as soon as the kernel says so.
-        QTRY_VERIFY_WITH_TIMEOUT((table.noticeEnds(), !table.process(id)), 2000);
+        QTRY_VERIFY_WITH_TIMEOUT((table.noticeEnds(), !table.process(id)), 30'000);
         QTRY_COMPARE(sleeper.state(), QProcess::NotRunning);
         QVERIFY(!table.signal(key, SIGKILL));
     }

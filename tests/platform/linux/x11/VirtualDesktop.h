@@ -1,5 +1,6 @@
 #pragma once
 
+#include "desktopParts.h"
 #include "freeDisplay.h"
 
 #include <QDir>
@@ -34,8 +35,7 @@ public:
                            QStringLiteral("-nolisten"), QStringLiteral("local"), QStringLiteral("-noreset")});
         m_display = u':' + QString::fromLatin1(firstLine(*m_server));
         m_environment.insert(QStringLiteral("DISPLAY"), m_display);
-        if (manager == Manager::Openbox)
-            startManager();
+        m_works = m_display.size() > 1 && (manager == Manager::None || startManager());
     }
     ~VirtualDesktop()
     {
@@ -44,20 +44,21 @@ public:
         if (m_manager)
             stop(*m_manager);
         stop(*m_server);
-        if (works())
+        if (m_display.size() > 1)
             clearDisplay(m_display);
     }
 
-    bool works() const { return m_display.size() > 1; }
+    bool works() const { return m_works; }
+    /// What is to be seen on it, for a test that failed.
+    QString report() const { return desktopReport(m_environment, {m_server.get(), m_manager.get()}); }
     QString display() const { return m_display; }
     QProcess &server() { return *m_server; }
     QProcess &manager() { return *m_manager; }
-    /// Returns when it manages windows: one that was there before gets no focus.
-    void startManager()
+    /// Returns when it manages windows: one that was there before gets no focus. False where it never does.
+    bool startManager()
     {
-        m_manager =
-            launch(QStringLiteral("openbox"), {QStringLiteral("--startup"), QStringLiteral("echo managing")});
-        firstLine(*m_manager);
+        m_manager = launch(QStringLiteral("openbox"), {});
+        return waitForManager(m_environment, *m_manager);
     }
 
     QString path(const QString &below = {}) const
@@ -80,13 +81,21 @@ public:
         file.write("[Desktop Entry]\nType=Application\n" + keys);
     }
 
-    /// Starts a decoy and waits until its windows are there. `prefix` is put before the program.
+    /// Starts a decoy and waits until its windows are there; the test fails where they never are. `prefix` is
+    /// put before the program.
     qint32 start(const QString &name, const QStringList &options = {}, const QStringList &prefix = {})
     {
         auto words = prefix + QStringList(program(name)) + options;
         const auto first = words.takeFirst();
         auto process = launch(first, words);
-        const auto id = firstLine(*process).mid(6).toInt();
+        const auto said = firstLine(*process);
+        const auto id = said.startsWith("ready ") ? said.mid(6).toInt() : 0;
+        if (id == 0) {
+            const auto message = QStringLiteral("%1 says \"%2\" instead of being ready\n%3\n%4");
+            const auto errors = QString::fromUtf8(process->readAllStandardError());
+            QTest::qFail(qPrintable(message.arg(name, QString::fromUtf8(said), errors, report())), __FILE__,
+                         __LINE__);
+        }
         m_programs[id] = std::move(process);
         return id;
     }
@@ -105,7 +114,7 @@ public:
         QProcess process;
         process.setProcessEnvironment(m_environment);
         process.start(command, words);
-        QVERIFY2(process.waitForFinished(5000), qPrintable(command));
+        QVERIFY2(process.waitForFinished(patience), qPrintable(command));
     }
 
 private:
@@ -113,26 +122,21 @@ private:
     {
         auto process = std::make_unique<QProcess>();
         process->setProcessEnvironment(m_environment);
-        process->setStandardErrorFile(QProcess::nullDevice());
+        bindToTest(*process);
         process->start(command, words);
         process->waitForStarted();
         return process;
     }
-    static QByteArray firstLine(QProcess &process)
-    {
-        while (!process.canReadLine() && process.waitForReadyRead(5000)) {
-        }
-        return process.readLine().trimmed();
-    }
     static void stop(QProcess &process)
     {
         process.kill();
-        process.waitForFinished(2000);
+        process.waitForFinished(patience);
     }
 
     QTemporaryDir m_folder;
     QProcessEnvironment m_environment;
     QString m_display;
+    bool m_works = false;
     std::unique_ptr<QProcess> m_server;
     std::unique_ptr<QProcess> m_manager;
     std::map<qint32, std::unique_ptr<QProcess>> m_programs;

@@ -4,6 +4,7 @@
 #include "VirtualDesktop.h"
 #include "X11Applications.h"
 #include "X11Idle.h"
+#include "patience.h"
 
 #include <QStandardPaths>
 
@@ -54,6 +55,9 @@ public:
         return places;
     }
 
+    bool works() const { return m_desktop.works(); }
+    QString report() const { return m_desktop.report(); }
+
     RunningApplications &applications() override { return m_applications; }
     SystemIdle &idle() override { return m_idle; }
     bool tellsFrontmost() const override { return m_managed; }
@@ -96,6 +100,7 @@ class TestApplicationsContract : public QObject
     using Manner = ContractDesktop::Manner;
 
     std::unique_ptr<ContractDesktop> m_desktop;
+    X11Desktop *m_x11 = nullptr; // the same, where it is one
 
     RunningApplications &applications() { return m_desktop->applications(); }
     QList<qint32> listed()
@@ -127,13 +132,23 @@ private Q_SLOTS:
         QFETCH_GLOBAL(int, kind);
         if (kind > 0 && QStandardPaths::findExecutable(u"Xvfb"_s).isEmpty())
             QSKIP("not run: there is no Xvfb here");
-        if (kind == 0)
+        if (kind == 0) {
             m_desktop = std::make_unique<FakeDesktop>();
-        else
-            m_desktop = std::make_unique<X11Desktop>(kind == 1 ? VirtualDesktop::Manager::Openbox
-                                                               : VirtualDesktop::Manager::None);
+            return;
+        }
+        auto desktop = std::make_unique<X11Desktop>(kind == 1 ? VirtualDesktop::Manager::Openbox
+                                                              : VirtualDesktop::Manager::None);
+        m_x11 = desktop.get();
+        m_desktop = std::move(desktop);
+        QVERIFY2(m_x11->works(), qPrintable(m_x11->report()));
     }
-    void cleanup() { m_desktop.reset(); }
+    void cleanup()
+    {
+        if (QTest::currentTestFailed() && m_x11)
+            qWarning().noquote() << "The desktop:" << m_x11->report();
+        m_x11 = nullptr;
+        m_desktop.reset();
+    }
 
     void works()
     {
@@ -153,10 +168,10 @@ private Q_SLOTS:
     void listsEachApplicationOnceInALastingOrder()
     {
         const auto first = m_desktop->start(u"Alpha"_s, Manner::Polite);
-        QTRY_COMPARE(listed(), QList{first});
+        TRY_COMPARE(listed(), QList{first});
         const auto second = m_desktop->start(u"Beta"_s, Manner::Polite);
         const auto third = m_desktop->start(u"Alpha"_s, Manner::Polite);
-        QTRY_COMPARE(listed().size(), 3);
+        TRY_COMPARE(listed().size(), 3);
         const auto order = listed();
         QVERIFY(order.contains(first) && order.contains(second) && order.contains(third));
         m_desktop->bringToFront(first);
@@ -165,53 +180,53 @@ private Q_SLOTS:
         m_desktop->end(second);
         auto left = order;
         left.removeAll(second);
-        QTRY_COMPARE(listed(), left);
+        TRY_COMPARE(listed(), left);
     }
 
     void tellsWhoIsInFront()
     {
         const auto first = m_desktop->start(u"Alpha"_s, Manner::Polite);
         const auto second = m_desktop->start(u"Beta"_s, Manner::Polite);
-        QTRY_COMPARE(listed().size(), 2);
+        TRY_COMPARE(listed().size(), 2);
         if (!m_desktop->tellsFrontmost()) {
             QVERIFY(!applications().frontmost());
             return;
         }
         const auto front = [&] { return applications().frontmost().value_or(RunningApplication()); };
-        QTRY_COMPARE(front().processId, second);
+        TRY_COMPARE(front().processId, second);
         m_desktop->bringToFront(first);
-        QTRY_COMPARE(front(), entry(first));
+        TRY_COMPARE(front(), entry(first));
         m_desktop->end(first);
-        QTRY_VERIFY(front().processId != first);
+        TRY_VERIFY(front().processId != first);
     }
 
     void quitsPolitely()
     {
         const auto first = m_desktop->start(u"Alpha"_s, Manner::Polite);
         const auto second = m_desktop->start(u"Beta"_s, Manner::Polite);
-        QTRY_COMPARE(listed().size(), 2);
+        TRY_COMPARE(listed().size(), 2);
         applications().terminate(entry(first));
-        QTRY_COMPARE(listed(), QList{second});
+        TRY_COMPARE(listed(), QList{second});
     }
 
     void aStubbornOneYieldsToForceAlone()
     {
         const auto stubborn = m_desktop->start(u"Alpha"_s, Manner::Stubborn);
         const auto other = m_desktop->start(u"Beta"_s, Manner::Polite);
-        QTRY_COMPARE(listed().size(), 2);
+        TRY_COMPARE(listed().size(), 2);
         const auto application = entry(stubborn);
         applications().terminate(application);
         QTest::qWait(300);
         QVERIFY(listed().contains(stubborn));
         applications().forceTerminate(application);
-        QTRY_COMPARE(listed(), QList{other});
+        TRY_COMPARE(listed(), QList{other});
     }
 
     void oneThatIsGoneIsLeftAlone()
     {
         const auto first = m_desktop->start(u"Alpha"_s, Manner::Polite);
         const auto second = m_desktop->start(u"Beta"_s, Manner::Polite);
-        QTRY_COMPARE(listed().size(), 2);
+        TRY_COMPARE(listed().size(), 2);
         const auto application = entry(first);
         m_desktop->end(first);
         applications().terminate(application);
@@ -219,7 +234,7 @@ private Q_SLOTS:
         applications().terminate({});
         applications().forceTerminate({});
         QTest::qWait(50);
-        QTRY_COMPARE(listed(), QList{second});
+        TRY_COMPARE(listed(), QList{second});
     }
 };
 
