@@ -227,7 +227,7 @@ def ask_for_proofs(stage, report, home):
         stage.window.press("Settings")
         stage.fill("Card proofs", "+2")
         stage.window.press("Save Settings")
-        step.saw(stage.wait_for_field("Card proofs", "2", 3))
+        step.saw(stage.wait_for_field("Card proofs", "2", SHOWN))
         stage.window.press("Pro mode")
         stage.window.focus("Allowed Study Apps")
         stage.press_key("ctrl+End")
@@ -248,13 +248,13 @@ def add_cards(stage, report):
             stage.fill("Topic, blank = current topic", TOPIC if question in ANSWERS else "Geography")
             stage.fill("Question", question)
             stage.fill("Expected answer", answer, then="Return")
-            stage.wait_for_field("Question", "", 3)
+            stage.wait_for_field("Question", "", SHOWN)
         stage.fill("Current study topic", TOPIC)
         stage.window.press("Pick Card")
-        step.saw(stage.window.wait_for(r"Next card selected\.", 3))
+        step.saw(stage.window.wait_for(r"Next card selected\.", SHOWN))
         step.saw(stage.picture("cards"))
         stage.scroll_to_end()
-        step.saw(stage.window.wait_for(r"3 total, 2 matching current topic\.", 3))
+        step.saw(stage.window.wait_for(r"3 total, 2 matching current topic\.", SHOWN))
         step.saw(stage.picture("card-bank"))
 
 
@@ -269,23 +269,23 @@ def miss_a_card(stage, report):
     with report.step("Wrong answer", "a wrong answer stays, the expected one is shown, and the miss is counted") as step:
         question = asked(stage)
         stage.fill("Answer from memory", "no idea", then="Return")
-        step.saw(stage.window.wait_for(r"Not yet\. Review the expected answer, then try another card\.", 3))
-        step.saw(stage.wait_for_field("Answer from memory", "no idea", 1))
-        step.saw(stage.window.wait_for("Expected", 1))
-        step.saw(f"{question}: {stage.window.wait_for(ANSWERS[question], 1)}")
-        step.saw(stage.window.wait_for("OK 0 / Miss 1", 1))
+        step.saw(stage.window.wait_for(r"Not yet\. Review the expected answer, then try another card\.", SHOWN))
+        step.saw(stage.wait_for_field("Answer from memory", "no idea", SHOWN))
+        step.saw(stage.window.wait_for("Expected", SHOWN))
+        step.saw(f"{question}: {stage.window.wait_for(ANSWERS[question], SHOWN)}")
+        step.saw(stage.window.wait_for("OK 0 / Miss 1", SHOWN))
         step.saw(stage.picture("wrong-answer"))
 
 
 def prove_one_card(stage, report):
     with report.step("Proof", "in a session a right answer counts toward the break, with 10 XP") as step:
         stage.press_key("ctrl+s")
-        step.saw(stage.window.wait_for(r"Study session is already running\.", 3))
+        step.saw(stage.window.wait_for(r"Study session is already running\.", SHOWN))
         stage.window.press("Cards")
         question = asked(stage)
         stage.fill("Answer from memory", ANSWERS[question], then="Return")
         step.saw(f"{question}: {ANSWERS[question]}")
-        step.saw(stage.window.wait_for(r"Correct\. Card proof: 1/2\.", 3))
+        step.saw(stage.window.wait_for(r"Correct\. Card proof: 1/2\.", SHOWN))
         step.check(asked(stage) != question, "the other card is asked now")
         step.saw(stage.picture("first-proof"))
 
@@ -294,13 +294,13 @@ def plan_a_step(stage, report):
     with report.step("Plan", "a task is added by typing and Return; ticking it gives 3 XP") as step:
         stage.window.press("Plan")
         stage.fill("Next task", TASK, then="Return")
-        step.saw(stage.window.wait_for(re.escape(TASK), 3))
+        step.saw(stage.window.wait_for(re.escape(TASK), SHOWN))
         stage.window.press("Done")
-        stage.window.wait_for("Reopen", 3)
+        stage.window.wait_for("Reopen", SHOWN)
         step.saw(stage.picture("plan"))
         stage.window.press("Focus")
         stage.scroll_to_end()
-        step.saw(stage.window.wait_for(event("+3 XP. Study task completed."), 3))
+        step.saw(stage.window.wait_for(event("+3 XP. Study task completed."), SHOWN))
 
 
 def open_the_break_by_the_last_card(stage, report):
@@ -308,7 +308,7 @@ def open_the_break_by_the_last_card(stage, report):
         stage.window.press("Focus")
         with stage.hands():
             stage.window.wait_for("00:00", 75)
-            step.saw(stage.window.wait_for(r"Timer done\. Solve 1 more unique card to unlock break\.", 3))
+            step.saw(stage.window.wait_for(r"Timer done\. Solve 1 more unique card to unlock break\.", SHOWN))
             step.saw(stage.picture("timer-done"))
             time.sleep(2)
             step.check(not stage.window.find("Break remaining"), "no break 2 s later")
@@ -319,7 +319,7 @@ def open_the_break_by_the_last_card(stage, report):
             waited = seconds_until(lambda: stage.window.find("Break remaining"), 3, "the break")
             step.saw(f"{question}: {ANSWERS[question]}; the break opened after {waited:.1f} s")
             stage.scroll_to_end()
-            step.saw(stage.window.wait_for(event("Study session completed. Break unlocked."), 3))
+            step.saw(stage.window.wait_for(event("Study session completed. Break unlocked."), SHOWN))
             step.saw(stage.picture("break-by-proof"))
 
 
