@@ -41,9 +41,8 @@ QString rawValue(ProductSection section)
 
 std::optional<ProductSection> productSection(QStringView rawValue)
 {
-    const auto found =
-        std::find_if(sectionRows.begin(), sectionRows.end(),
-                     [rawValue](const SectionRow &row) { return row.rawValue == rawValue; });
+    const auto found = std::find_if(sectionRows.begin(), sectionRows.end(),
+                                    [rawValue](const SectionRow &row) { return row.rawValue == rawValue; });
     if (found == sectionRows.end())
         return std::nullopt;
     return ProductSection(found - sectionRows.begin());

@@ -1,4 +1,5 @@
-// The sections of the real window, worked by keys: what the fields show and write, and where the keyboard goes.
+// The sections of the real window, worked by keys: what the fields show and write, and where the keyboard
+// goes.
 #include "ControllerHarness.h"
 #include "DesktopSupport.h"
 #include "setUpInterface.h"
