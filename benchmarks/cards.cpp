@@ -118,9 +118,8 @@ void measureSaving(const QString &folder, std::deque<StudyCard> cards, Figures &
             qFatal("cards: they could not be saved");
     };
     const auto first = timed(save);
-    const auto [later, plain] = inTurn(fileRounds, save, [&] {
-        writePlainly(folder + u"/plain"_s, encodeStudyCards(cards));
-    });
+    const auto [later, plain] =
+        inTurn(fileRounds, save, [&] { writePlainly(folder + u"/plain"_s, encodeStudyCards(cards)); });
     figures.hold("save of 100,000 cards", later / plain, "their encoding and a plain write and sync",
                  mostForSaving);
     figures.report("save of 100,000 cards, median", later, "ms", "nothing");
@@ -147,7 +146,8 @@ void measureQuiz(const std::deque<StudyCard> &cards, Figures &figures)
         for (const auto &card : bank.cards())
             sum += card.wrongCount - card.correctCount + card.id.data1;
     };
-    const auto [answer, pass] = inTurn(quizRounds, [&] { answerOne(bank, aTopic()); }, barePass);
+    const auto [answer, pass] = inTurn(
+        quizRounds, [&] { answerOne(bank, aTopic()); }, barePass);
     const auto [topic, samePass] = inTurn(
         quizRounds, [&] { sum += bank.countOfTopic(u"тема %1: chapter"_s.arg(sum % topicCount)); }, barePass);
     figures.report("answer in the quiz without its save, median", answer, "ms", "nothing");
@@ -197,7 +197,8 @@ void measureHeartbeat(const std::deque<StudyCard> &cards, Figures &figures)
 {
     Session full(cards, 3);
     Session empty({}, 0);
-    const auto [with, without] = inTurn(beats, [&] { full.beat(); }, [&] { empty.beat(); });
+    const auto [with, without] = inTurn(
+        beats, [&] { full.beat(); }, [&] { empty.beat(); });
     if (full.controller->todayStudySeconds() < beats || empty.controller->todayStudySeconds() < beats)
         qFatal("cards: the seconds did not count");
     figures.hold("heartbeat with 100,000 cards", with / without, "the same with none", mostForAHeartbeat);

@@ -15,15 +15,14 @@ constexpr qint64 proofXP = 10;
 
 void QuorvelController::selectNextStudyCard(bool log)
 {
-    const auto row =
-        m_studyCards.bank().weakestRow(m_currentStudyTopicText, m_currentSessionProofCardIDs);
+    const auto row = m_studyCards.bank().weakestRow(m_currentStudyTopicText, m_currentSessionProofCardIDs);
     if (!row) {
         m_activeStudyCard = std::nullopt;
         m_quizRevealedAnswer = std::nullopt;
-        m_quizFeedback = m_currentStudyTopicText.value().trimmed().isEmpty()
-                             ? text(u"quiz_initial")
-                             : inBoth(u"No cards match the current study topic."_s,
-                                      u"Нет карточек по текущей теме."_s);
+        m_quizFeedback =
+            m_currentStudyTopicText.value().trimmed().isEmpty()
+                ? text(u"quiz_initial")
+                : inBoth(u"No cards match the current study topic."_s, u"Нет карточек по текущей теме."_s);
         return;
     }
     m_activeStudyCard = studyCards()[size_t(*row)];
@@ -88,9 +87,8 @@ void QuorvelController::revealQuizAnswer()
 void QuorvelController::addQuizProof(const StudyCard &card)
 {
     if (m_mode != Mode::Studying || !m_currentSessionID) {
-        m_quizFeedback =
-            inBoth(u"Correct. Start a study session to count cards toward a break."_s,
-                   u"Верно. Начни учебную сессию, чтобы карточки засчитывались для отдыха."_s);
+        m_quizFeedback = inBoth(u"Correct. Start a study session to count cards toward a break."_s,
+                                u"Верно. Начни учебную сессию, чтобы карточки засчитывались для отдыха."_s);
         addEvent(u"Card answered correctly outside study session."_s);
     } else if (config().requiredProofsToUnlock == 0) {
         m_quizFeedback = inBoth(u"Correct. Proofs are disabled, so the timer alone controls the break."_s,
@@ -118,8 +116,8 @@ void QuorvelController::countQuizProof(const StudyCard &card)
     m_userProgress = progress;
     awardXP(proofXP, u"Card proof completed."_s);
     saveUserProgress();
-    m_quizFeedback = inBoth(u"Correct. Card proof: "_s, u"Верно. Пруф карточками: "_s) +
-                     m_proofProgressText + u"."_s;
+    m_quizFeedback =
+        inBoth(u"Correct. Card proof: "_s, u"Верно. Пруф карточками: "_s) + m_proofProgressText + u"."_s;
     addEvent(u"Card proof completed: "_s + card.prompt);
     tryUnlockBreakIfReady();
 }

@@ -28,6 +28,10 @@ std::optional<QDateTime> readShortTime(const QByteArray &text)
     return readRecordTime(std::string_view(spread.constData(), std::size_t(spread.size())));
 }
 
+/// How far apart the copies are that a copy stands between. Where room is short, those close together go
+/// first.
+enum class Rank { OneOfADay, LastOfDay, LastOfWeek, LastOfMonth };
+
 struct DatedFile
 {
     QString name;
@@ -35,6 +39,7 @@ struct DatedFile
     sys_seconds time;
     qint64 size;
     bool stays = true;
+    Rank rank = Rank::OneOfADay;
 };
 
 std::vector<DatedFile> copiesByAge(const std::vector<ListedFile> &files)
@@ -73,14 +78,16 @@ Spans spansOf(sys_seconds time)
 class LastOfEachSpan
 {
 public:
-    bool stays(sys_seconds time, seconds age)
+    Rank rankOf(sys_seconds time)
     {
         const auto spans = spansOf(time);
         const bool lastOfDay = m_days.insert(spans.day).second;
         const bool lastOfWeek = m_weeks.insert(spans.week).second;
         const bool lastOfMonth = m_months.insert(spans.month).second;
-        return age <= allFor || (age <= dailyFor && lastOfDay) || (age <= weeklyFor && lastOfWeek) ||
-               lastOfMonth;
+        return lastOfMonth  ? Rank::LastOfMonth
+               : lastOfWeek ? Rank::LastOfWeek
+               : lastOfDay  ? Rank::LastOfDay
+                            : Rank::OneOfADay;
     }
 
 private:
@@ -89,11 +96,19 @@ private:
     std::set<qint64> m_months;
 };
 
+bool staysAt(Rank rank, seconds age)
+{
+    return age <= allFor || (age <= dailyFor && rank >= Rank::LastOfDay) ||
+           (age <= weeklyFor && rank >= Rank::LastOfWeek) || rank == Rank::LastOfMonth;
+}
+
 void thinByAge(std::vector<DatedFile> &copies, sys_seconds now)
 {
     std::map<QString, LastOfEachSpan> spans;
-    for (auto copy = copies.rbegin(); copy != copies.rend(); ++copy)
-        copy->stays = spans[copy->of].stays(copy->time, now - copy->time);
+    for (auto copy = copies.rbegin(); copy != copies.rend(); ++copy) {
+        copy->rank = spans[copy->of].rankOf(copy->time);
+        copy->stays = staysAt(copy->rank, now - copy->time);
+    }
 }
 
 void thinBySize(std::vector<DatedFile> &copies, sys_seconds now)
@@ -106,13 +121,15 @@ void thinBySize(std::vector<DatedFile> &copies, sys_seconds now)
         if (copy.time <= now)
             newest[copy.of] = &copy;
     }
-    for (auto &copy : copies) {
-        if (bytes <= mostCopyBytes)
-            return;
-        if (!copy.stays || newest[copy.of] == &copy)
-            continue;
-        copy.stays = false;
-        bytes -= copy.size;
+    for (const auto rank : {Rank::OneOfADay, Rank::LastOfDay, Rank::LastOfWeek, Rank::LastOfMonth}) {
+        for (auto &copy : copies) {
+            if (bytes <= mostCopyBytes)
+                return;
+            if (copy.rank != rank || !copy.stays || newest[copy.of] == &copy)
+                continue;
+            copy.stays = false;
+            bytes -= copy.size;
+        }
     }
 }
 

@@ -30,6 +30,7 @@ std::optional<RollingCopy> readRollingCopyName(const QString &name);
 ///
 /// Of each record file stays: every copy of the last 24 hours, the last of each day for 14 days, of each ISO
 /// week for 8 weeks more, and of each month, in UTC. Ages are measured to the second; a copy from the future
-/// has none and stays. Where what stays has more than mostCopyBytes, the oldest copies go too, but never the
-/// newest of a record file that is not from the future.
+/// has none and stays. Where what stays has more than mostCopyBytes, more copies go: first those that are not
+/// the last of their day, then of their week, then of their month, then the rest, each time the oldest first,
+/// but never the newest of a record file that is not from the future.
 std::vector<QString> copiesToRemove(const std::vector<ListedFile> &files, const QDateTime &now);

@@ -60,7 +60,8 @@ class TestOneProgramPerFolder : public QObject
     /// Whether the program of a login hears later starts.
     bool listens(const QString &login) const
     {
-        QDirIterator files(path(login), {u"socket"_s}, QDir::System | QDir::Files, QDirIterator::Subdirectories);
+        QDirIterator files(path(login), {u"socket"_s}, QDir::System | QDir::Files,
+                           QDirIterator::Subdirectories);
         return files.hasNext();
     }
     Snapshot snapshot() const

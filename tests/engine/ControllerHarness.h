@@ -97,10 +97,7 @@ struct ControllerHarness
         controller->submitQuizAnswer();
     }
     /// Answers the card that is asked with the first alternative that it expects.
-    void answerRightly()
-    {
-        answer(controller->activeStudyCardOrEmpty().expectedAnswer.section(u'|', 0, 0));
-    }
+    void answerRightly() { answer(controller->activeStudyCardOrEmpty().expectedAnswer.section(u'|', 0, 0)); }
 
     /// Lets whole seconds pass, one heartbeat each.
     void seconds(qint64 count)

@@ -294,8 +294,8 @@ private Q_SLOTS:
     void theListNamesTheRowsThatChange()
     {
         ControllerHarness harness;
-        harness.storeCards({ControllerHarness::card(u"a"_s, u"1"_s, u"Sums"_s),
-                            ControllerHarness::card(u"b"_s, u"2"_s)});
+        harness.storeCards(
+            {ControllerHarness::card(u"a"_s, u"1"_s, u"Sums"_s), ControllerHarness::card(u"b"_s, u"2"_s)});
         auto &controller = harness.start();
         auto &model = *controller.studyCardModel();
         const QAbstractItemModelTester tester(&model);

@@ -19,8 +19,8 @@ struct Quiz : ControllerHarness
     {
         std::deque<StudyCard> cards;
         for (int number = 1; number <= count; ++number) {
-            cards.push_back(
-                card(u"1 + %1"_s.arg(number), QString::number(number + 1) + u"|n%1"_s.arg(number), u"Sums"_s));
+            cards.push_back(card(u"1 + %1"_s.arg(number), QString::number(number + 1) + u"|n%1"_s.arg(number),
+                                 u"Sums"_s));
             cards.back().createdAt = cards.back().createdAt.addSecs(number);
         }
         return cards;
@@ -75,9 +75,9 @@ private Q_SLOTS:
             << with(other, [](StudyCard &card) { card.wrongCount = 1; });
         QTest::newRow("fewer right answers come before never asked")
             << asked(askedLater) << with(other, [](StudyCard &card) { card.correctCount = 1; });
-        QTest::newRow("never asked, though younger") << with(other, [](StudyCard &card) {
-            card.createdAt = card.createdAt.addYears(1);
-        }) << asked(askedFirst);
+        QTest::newRow("never asked, though younger")
+            << with(other, [](StudyCard &card) { card.createdAt = card.createdAt.addYears(1); })
+            << asked(askedFirst);
         QTest::newRow("asked longer ago") << asked(askedFirst) << asked(askedLater);
         QTest::newRow("both never asked: the older one")
             << plain << with(other, [](StudyCard &card) { card.createdAt = card.createdAt.addSecs(1); });
@@ -194,7 +194,8 @@ private Q_SLOTS:
         QCOMPARE(quiz.controller->currentSessionCardProofCount(), 2);
         quiz.controller->setLanguage(AppLanguage::Russian);
         quiz.answerRightly();
-        QCOMPARE(quiz.controller->quizFeedback(), u"Верно, но эта карточка уже засчитана в текущей сессии."_s);
+        QCOMPARE(quiz.controller->quizFeedback(),
+                 u"Верно, но эта карточка уже засчитана в текущей сессии."_s);
     }
 
     void startingASessionPicksACardOnlyWhereNoneIsShown()
@@ -247,8 +248,7 @@ private Q_SLOTS:
         QCOMPARE(controller.quizAnswerText(), u" 5 "_s);
         QCOMPARE(quiz.asked(), asked);
         QCOMPARE(controller.quizRevealedAnswer(), std::optional(u"2|n1"_s));
-        QCOMPARE(controller.quizFeedback(),
-                 u"Not yet. Review the expected answer, then try another card."_s);
+        QCOMPARE(controller.quizFeedback(), u"Not yet. Review the expected answer, then try another card."_s);
         QCOMPARE(quiz.events(), QStringList{u"Quiz answer was incorrect."_s});
         const auto &card = quiz.cardOf(asked);
         QCOMPARE(card.wrongCount, 1);
@@ -338,7 +338,8 @@ private Q_SLOTS:
                  u"Correct. Proofs are disabled, so the timer alone controls the break."_s);
         quiz.controller->setLanguage(AppLanguage::Russian);
         quiz.answerRightly();
-        QCOMPARE(quiz.controller->quizFeedback(), u"Верно. Пруфы выключены, отдых контролирует только таймер."_s);
+        QCOMPARE(quiz.controller->quizFeedback(),
+                 u"Верно. Пруфы выключены, отдых контролирует только таймер."_s);
     }
 
     void aCardOfAnotherTopicDoesNotCount_data()
@@ -359,7 +360,8 @@ private Q_SLOTS:
         quiz.controller->setCurrentStudyTopicText(u"sums"_s);
         quiz.controller->startStudy();
         quiz.answerRightly();
-        QCOMPARE(quiz.controller->quizFeedback(), u"Correct, but this card is not in the current study topic."_s);
+        QCOMPARE(quiz.controller->quizFeedback(),
+                 u"Correct, but this card is not in the current study topic."_s);
         QCOMPARE(quiz.events().first(), u"Card answered correctly outside current topic."_s);
         QCOMPARE(quiz.controller->currentSessionCardProofCount(), 0);
         QCOMPARE(quiz.asked(), u"1 + 1"_s);
@@ -407,8 +409,7 @@ private Q_SLOTS:
                  QStringList({u"Card proof completed: "_s + proven.prompt, u"+10 XP. Card proof completed."_s,
                               u"Level up: Focus Scout."_s, u"Study session started."_s}));
         QCOMPARE(quiz.storedProgress(), controller.userProgress());
-        QCOMPARE(quiz.saves(),
-                 QStringList({u"study-cards.json"_s, u"progress.json"_s, u"progress.json"_s}));
+        QCOMPARE(quiz.saves(), QStringList({u"study-cards.json"_s, u"progress.json"_s, u"progress.json"_s}));
         QCOMPARE(controller.mode(), Mode::Studying);
         quiz.controller->setLanguage(AppLanguage::Russian);
         quiz.answerRightly();
@@ -435,8 +436,8 @@ private Q_SLOTS:
         QCOMPARE(quiz.controller->currentSessionCardProofCount(), 0);
         QCOMPARE(quiz.controller->quizFeedback(), u"Correct. Card proof: 1/1."_s);
         const QStringList expected{u"Study session completed. Break unlocked."_s,
-                                   u"+25 XP. Study session completed."_s,
-                                   u"Card proof completed: 1 + 1"_s, u"+10 XP. Card proof completed."_s};
+                                   u"+25 XP. Study session completed."_s, u"Card proof completed: 1 + 1"_s,
+                                   u"+10 XP. Card proof completed."_s};
         QCOMPARE(quiz.events().first(4), expected);
         QCOMPARE(quiz.controller->userProgress().totalXP, 1 + 10 + 25);
         QVERIFY(quiz.controller->hasActiveStudyCard());

@@ -28,7 +28,10 @@ public:
 private:
     QuorvelController &controller() { return *m_harness.controller; }
     QString oneOf(const QStringList &texts) { return texts[m_random.bounded(int(texts.size()))]; }
-    QString topic() { return oneOf({u""_s, u" Sums "_s, u"sums!"_s, u"Ёлка"_s, u"елка"_s, u" . "_s, u"Latin"_s}); }
+    QString topic()
+    {
+        return oneOf({u""_s, u" Sums "_s, u"sums!"_s, u"Ёлка"_s, u"елка"_s, u" . "_s, u"Latin"_s});
+    }
     StudyCard anyCard()
     {
         const auto &cards = controller().studyCards();

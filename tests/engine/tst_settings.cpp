@@ -239,8 +239,8 @@ private Q_SLOTS:
         harness.files.writeFailure = u"Permission denied"_s;
         controller.setStudyMinutesText(u"40"_s);
         controller.saveSettings();
-        QCOMPARE(harness.events(), QStringList({u"Settings saved."_s,
-                                                u"Could not save settings: Permission denied"_s}));
+        QCOMPARE(harness.events(),
+                 QStringList({u"Settings saved."_s, u"Could not save settings: Permission denied"_s}));
         QCOMPARE(controller.config().studyMinutes, 40);
         QCOMPARE(controller.studyMinutesText(), u"40"_s);
         controller.resetDefaultSettings();

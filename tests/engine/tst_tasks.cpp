@@ -90,9 +90,8 @@ private Q_SLOTS:
         QCOMPARE(controller.studyTasks().front(), expected);
         QCOMPARE(harness.storedTasks().front(), expected);
         QCOMPARE(harness.storedProgress().totalXP, 101);
-        QCOMPARE(harness.events(),
-                 QStringList({u"Task completed: read"_s, u"+3 XP. Study task completed."_s,
-                              u"Level up: Prep Rookie."_s}));
+        QCOMPARE(harness.events(), QStringList({u"Task completed: read"_s, u"+3 XP. Study task completed."_s,
+                                                u"Level up: Prep Rookie."_s}));
         QCOMPARE(harness.saves(), QStringList({u"study-tasks.json"_s, u"progress.json"_s}));
     }
 
@@ -165,7 +164,8 @@ private Q_SLOTS:
         }
         harness.storeTasks(tasks);
         auto &controller = harness.start();
-        const auto completed = std::count_if(ticked.begin(), ticked.end(), [](QChar letter) { return letter.isUpper(); });
+        const auto completed =
+            std::count_if(ticked.begin(), ticked.end(), [](QChar letter) { return letter.isUpper(); });
         QCOMPARE(controller.completedTaskCount(), completed);
         QCOMPARE(qint64(controller.completedStudyTasks().size()), completed);
         const QAbstractItemModelTester tester(controller.studyTaskModel());

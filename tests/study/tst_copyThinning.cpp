@@ -109,6 +109,7 @@ private Q_SLOTS:
     void removesWhatHadItsTime();
     void keepsWithinTheBytes_data();
     void keepsWithinTheBytes();
+    void whereRoomIsShortHoursGoBeforeDaysAndDaysBeforeWeeks();
     void eachFileHasItsOwnCopies();
     void twoYearsOfDailyUse();
     void aClockThatJumps();
@@ -253,6 +254,30 @@ void tst_copyThinning::keepsWithinTheBytes()
             names.push_back(files.back().name);
     }
     QCOMPARE(copiesToRemove(files, at(u"2026-11-21 10:00:00"_s)), names);
+}
+
+void tst_copyThinning::whereRoomIsShortHoursGoBeforeDaysAndDaysBeforeWeeks()
+{
+    // A large library: five copies fill the room. Saturday, 2026-11-21.
+    const auto now = at(u"2026-11-21 20:00:00"_s);
+    std::vector<ListedFile> files;
+    const auto add = [&](const char *time) {
+        files.push_back({rollingCopyName(cards, at(QString::fromLatin1(time))), mostCopyBytes / 5});
+    };
+    for (const auto *time :
+         {"2026-09-30 10:00:00", "2026-10-25 10:00:00", "2026-11-15 10:00:00", "2026-11-19 10:00:00",
+          "2026-11-20 21:00:00", "2026-11-21 18:00:00", "2026-11-21 19:00:00", "2026-11-21 20:00:00"})
+        add(time);
+    const auto removed = [&] { return copiesToRemove(files, now); };
+    // Of today only the last is left, then a day of this week goes; September's and October's last stay.
+    QCOMPARE(removed(), (std::vector<QString>{files[3].name, files[5].name, files[6].name}));
+
+    const auto gone = removed();
+    std::erase_if(files, [&](const ListedFile &file) {
+        return std::find(gone.begin(), gone.end(), file.name) != gone.end();
+    });
+    add("2026-11-21 19:59:59"); // one more of today: it goes at once
+    QCOMPARE(removed(), std::vector<QString>{files.back().name});
 }
 
 void tst_copyThinning::eachFileHasItsOwnCopies()
