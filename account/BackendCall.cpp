@@ -75,8 +75,11 @@ QNetworkRequest onTheWire(const BackendRequest &request)
     return wire;
 }
 
+/// Qt gives a file that it has read the status 200.
 std::optional<int> statusOf(const QNetworkReply &reply)
 {
+    if (!reply.url().scheme().startsWith("http"_L1))
+        return std::nullopt;
     const auto status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);
     return status.isValid() ? std::optional(status.toInt()) : std::nullopt;
 }
@@ -102,10 +105,8 @@ BackendError transportError(QNetworkReply::NetworkError error, const QString &de
 
 } // namespace
 
-BackendCall::BackendCall(QNetworkAccessManager &network, BackendRequest request, BackendClient::Done done,
-                         QObject *parent)
+BackendCall::BackendCall(BackendRequest request, BackendClient::Done done, QObject *parent)
     : QObject(parent)
-    , m_network(network)
     , m_request(std::move(request))
     , m_done(std::move(done))
 {
@@ -114,16 +115,20 @@ BackendCall::BackendCall(QNetworkAccessManager &network, BackendRequest request,
 
 void BackendCall::send()
 {
+    // One for each request, so that each has a connection of its own. Qt sends the next request into one that
+    // the server is about to close, and nothing posted is sent twice.
+    if (m_network)
+        m_network->deleteLater();
+    m_network = new QNetworkAccessManager(this);
     m_answer.clear();
     const auto wire = onTheWire(m_request);
     if (m_request.body) {
         auto *body = new ReadOnce(*m_request.body);
-        m_reply = m_network.post(wire, body);
+        m_reply = m_network->post(wire, body);
         body->setParent(m_reply);
     } else {
-        m_reply = m_network.get(wire);
+        m_reply = m_network->get(wire);
     }
-    m_reply->setParent(this);
     connect(m_reply, &QNetworkReply::readyRead, this, &BackendCall::collect);
     connect(m_reply, &QNetworkReply::finished, this, &BackendCall::conclude);
 }
@@ -159,7 +164,6 @@ bool BackendCall::follow()
         return false;
     ++m_redirects;
     m_request = std::move(*next);
-    m_reply->deleteLater();
     send();
     return true;
 }
