@@ -14,7 +14,8 @@ struct BackendTimeouts
     std::chrono::milliseconds get{30'000};
 };
 
-/// Calls the backend over HTTP.
+/// Calls the backend over HTTP. What is posted is posted once; a GET whose connection closes before an answer
+/// Qt may send up to four times. docs/decisions/0013-what-the-backend-is-sent.md has the reasons.
 class NetworkBackendClient : public QObject, public BackendClient
 {
     Q_OBJECT
