@@ -560,7 +560,7 @@ private Q_SLOTS:
             look();
         }
         const auto holdsToken = [&](const QString &text) { return text.contains(token); };
-        QVERIFY(seen.filter(email).size() > 0); // so this does see what is published
+        QVERIFY(!seen.filter(email).isEmpty()); // so this does see what is published
         QVERIFY(std::none_of(seen.begin(), seen.end(), holdsToken));
         QCOMPARE(LogLines::lines().size(), 2);
         QVERIFY(std::none_of(LogLines::lines().begin(), LogLines::lines().end(), holdsToken));
