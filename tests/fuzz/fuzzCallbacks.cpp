@@ -5,6 +5,7 @@
 
 #include <cstdint>
 
+// NOLINTNEXTLINE(readability-identifier-naming)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const auto url = QString::fromUtf8(reinterpret_cast<const char *>(data), qsizetype(size));
