@@ -1,0 +1,41 @@
+#pragma once
+
+#include "BackendClient.h"
+#include "BackendRequest.h"
+#include "Preferences.h"
+
+#include <QNetworkAccessManager>
+#include <QObject>
+
+/// How long the wire may stay silent before a call fails.
+struct BackendTimeouts
+{
+    std::chrono::milliseconds post{60'000};
+    std::chrono::milliseconds get{
+        30'000}; ///< what Qt takes where a time-out is asked for without saying how long
+};
+
+/// Calls the backend over HTTP.
+class NetworkBackendClient : public QObject, public BackendClient
+{
+    Q_OBJECT
+
+public:
+    using Timeouts = BackendTimeouts;
+
+    /// `preferences` outlives this object.
+    explicit NetworkBackendClient(Preferences &preferences, Timeouts timeouts = {},
+                                  QObject *parent = nullptr);
+
+    void postJSON(const QString &path, const QJsonObject &body, Done done) override;
+    void getJSON(const QString &path, Done done) override;
+
+private:
+    QByteArray authorization() const;
+    void start(BackendRequest request, Done done);
+
+    Preferences &m_preferences;
+    Timeouts m_timeouts;
+    QNetworkAccessManager m_network;
+    QObject m_calls; ///< owns those under way; goes before what they use
+};
