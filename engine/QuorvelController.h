@@ -2,6 +2,7 @@
 
 #include "AccessMode.h"
 #include "AppLanguage.h"
+#include "BackendAnswer.h"
 #include "Preferences.h"
 #include "QuorvelConfig.h"
 #include "RecordStore.h"
@@ -16,6 +17,7 @@
 #include <QTimer>
 
 #include <chrono>
+#include <functional>
 #include <unordered_map>
 #include <vector>
 
@@ -229,9 +231,12 @@ public:
     static AccessMode loadAccessMode(const Preferences &preferences);
 
     // Coach (coach.cpp)
-    /// Asks the backend, or without an account the local pack; nothing while a request is under way.
+    /// Asks the backend, or without an account the local pack; nothing while that is under way. What comes of
+    /// it is added later, from the event loop.
     Q_INVOKABLE void generateAIPlanAndCards();
+    /// Adds the local pack at once, also while the backend is asked.
     Q_INVOKABLE void addLocalCoachPack();
+    /// Adds every task and card that has a text, each in front of the one before, and saves both lists.
     /// `source` names, for the user, where the suggestion comes from.
     void applyAISuggestion(const AIStudySuggestion &suggestion, const QString &source);
     QString aiSummaryText(const QString &source, const AIStudySuggestion &suggestion) const;
@@ -310,6 +315,17 @@ private:
 
     void refreshLocalizedRuntimeText();
     void enterWithoutAccount(AccessMode mode, const QString &status);
+    /// Without a session token or an address, those of before stay.
+    void enterWithAccount(const std::optional<QString> &session, const std::optional<QString> &email);
+    /// `key` is that of the text in front of the error's own.
+    void tellFailedSignIn(QStringView key, const BackendError &error);
+    /// `then` for an answer that comes while the controller is there; the backend outlives it.
+    std::function<void(const BackendAnswer &)> whileHere(std::function<void(const BackendAnswer &)> then);
+
+    /// What the coach is to write about: as typed, also the spaces around it.
+    QString coachTopic() const;
+    void addLocalPackOfGuest(const QString &topic);
+    void applyCoachAnswer(const QString &topic, const BackendAnswer &answer);
     QString text(QStringView key) const;
     QString inBoth(const QString &english, const QString &russian) const;
 
