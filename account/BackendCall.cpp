@@ -2,9 +2,12 @@
 
 #include "backendRedirects.h"
 
+#include <QIODevice>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -13,6 +16,42 @@ namespace {
 constexpr qsizetype largestAnswer = 8 * 1024 * 1024; // bytes, unpacked
 constexpr qsizetype piece = 64 * 1024; // read at once: a packed answer is unpacked as it is read
 constexpr int mostRedirects = 20;
+
+/// Bytes that cannot be read a second time. Where a connection closes before an answer, Qt sends a request
+/// anew, up to three times: a code by e-mail would be asked for four times over. Without the bytes it cannot.
+class ReadOnce : public QIODevice
+{
+public:
+    explicit ReadOnce(QByteArray bytes)
+        : m_bytes(std::move(bytes))
+    {
+        open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    }
+
+    bool isSequential() const override { return true; }
+    bool seek(qint64) override { return false; }
+    bool atEnd() const override { return m_position == m_bytes.size(); }
+    qint64 bytesAvailable() const override
+    {
+        return m_bytes.size() - m_position + QIODevice::bytesAvailable();
+    }
+
+protected:
+    qint64 readData(char *data, qint64 maxSize) override
+    {
+        if (atEnd())
+            return -1;
+        const auto size = std::min<qint64>(maxSize, m_bytes.size() - m_position);
+        std::copy_n(m_bytes.constData() + m_position, size, data);
+        m_position += size;
+        return size;
+    }
+    qint64 writeData(const char *, qint64) override { return -1; }
+
+private:
+    QByteArray m_bytes;
+    qint64 m_position = 0;
+};
 
 QNetworkRequest onTheWire(const BackendRequest &request)
 {
@@ -26,8 +65,11 @@ QNetworkRequest onTheWire(const BackendRequest &request)
     wire.setRawHeader("User-Agent", "Quorvel/" QUORVEL_VERSION);
     wire.setRawHeader("Accept-Language", "*");
     wire.setRawHeader("Connection", "close");
-    if (request.body)
+    if (request.body) {
         wire.setRawHeader("Content-Type", "application/json");
+        wire.setHeader(QNetworkRequest::ContentLengthHeader, request.body->size());
+        wire.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
+    }
     if (!request.authorization.isEmpty())
         wire.setRawHeader("Authorization", request.authorization);
     return wire;
@@ -42,11 +84,15 @@ std::optional<int> statusOf(const QNetworkReply &reply)
 /// Qt calls an answer from 400 on an error too, though it came whole.
 bool isOnlyTheStatus(const QNetworkReply &reply)
 {
-    const int error = reply.error();
-    const bool ofTheContent =
-        error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError;
-    const bool ofTheServer = error >= QNetworkReply::InternalServerError;
-    return statusOf(reply).value_or(0) >= 400 && (ofTheContent || ofTheServer);
+    const auto status = statusOf(reply).value_or(0);
+    const auto error = reply.error();
+    if (status < 400)
+        return false;
+    if (status == 407)
+        return error == QNetworkReply::ProxyAuthenticationRequiredError;
+    return error == QNetworkReply::ProtocolInvalidOperationError ||
+           (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError) ||
+           (error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError);
 }
 
 BackendError transportError(QNetworkReply::NetworkError error, const QString &description)
@@ -70,7 +116,13 @@ void BackendCall::send()
 {
     m_answer.clear();
     const auto wire = onTheWire(m_request);
-    m_reply = m_request.body ? m_network.post(wire, *m_request.body) : m_network.get(wire);
+    if (m_request.body) {
+        auto *body = new ReadOnce(*m_request.body);
+        m_reply = m_network.post(wire, body);
+        body->setParent(m_reply);
+    } else {
+        m_reply = m_network.get(wire);
+    }
     m_reply->setParent(this);
     connect(m_reply, &QNetworkReply::readyRead, this, &BackendCall::collect);
     connect(m_reply, &QNetworkReply::finished, this, &BackendCall::conclude);
@@ -78,13 +130,13 @@ void BackendCall::send()
 
 void BackendCall::collect()
 {
-    while (m_answer.size() <= largestAnswer) {
+    while (m_reply->isOpen() && m_answer.size() <= largestAnswer) {
         const auto more = m_reply->read(piece);
         if (more.isEmpty())
             return;
         m_answer += more;
     }
-    if (!m_tooLarge) {
+    if (m_answer.size() > largestAnswer && !m_tooLarge) {
         m_tooLarge = true;
         m_reply->abort();
     }
@@ -127,6 +179,9 @@ std::optional<BackendError> BackendCall::transportFailure() const
         return transportError(QNetworkReply::OperationCanceledError, u"The answer is larger than 8 MiB."_s);
     if (m_reply->error() == QNetworkReply::NoError || isOnlyTheStatus(*m_reply))
         return std::nullopt;
+    if (m_reply->error() ==
+        QNetworkReply::ContentReSendError) // stopped by ReadOnce, for which Qt has no words
+        return transportError(QNetworkReply::RemoteHostClosedError, u"Connection closed"_s);
     return transportError(m_reply->error(), m_reply->errorString());
 }
 

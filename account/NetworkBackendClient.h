@@ -11,8 +11,8 @@
 struct BackendTimeouts
 {
     std::chrono::milliseconds post{60'000};
-    std::chrono::milliseconds get{
-        30'000}; ///< what Qt takes where a time-out is asked for without saying how long
+    /// What Qt takes where a time-out is asked for without saying how long.
+    std::chrono::milliseconds get{30'000};
 };
 
 /// Calls the backend over HTTP.
