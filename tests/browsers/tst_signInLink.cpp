@@ -218,6 +218,17 @@ private Q_SLOTS:
         expectTokenInPreferencesAlone(chromium.processes());
     }
 
+    void severalAddressesCountInTheirOrder()
+    {
+        startOnce(true);
+        const QStringList arguments{u"quorvel://auth?session=first&email=first%40example.org"_s,
+                                    u"QUORVEL://auth?session=capitals"_s, u"https://auth/?session=web"_s,
+                                    address, u"quorvel://other?session=last"_s};
+        QVERIFY(m_opener.start(QStringLiteral(QUORVEL_PROGRAM), arguments, m_stage->environment(),
+                               path(u"opener.log"_s)));
+        expectSignedIn();
+    }
+
     void hostileAddressesOnlyFail_data()
     {
         QTest::addColumn<QStringList>("arguments");
