@@ -92,6 +92,7 @@ private:
 
     void expectSignedIn()
     {
+        TRY_VERIFY(preferences().contains(token.toUtf8()));
         TRY_VERIFY(preferences().contains(signedIn));
         const auto stored = preferences();
         QVERIFY(stored.contains("serverSessionToken = \"" + token.toUtf8() + "\"\n"));
