@@ -17,8 +17,9 @@ constexpr qsizetype largestAnswer = 8 * 1024 * 1024; // bytes, unpacked
 constexpr qsizetype piece = 64 * 1024; // read at once: a packed answer is unpacked as it is read
 constexpr int mostRedirects = 20;
 
-/// Bytes that cannot be read a second time. Where a connection closes before an answer, Qt sends a request
-/// anew, up to three times: a code by e-mail would be asked for four times over. Without the bytes it cannot.
+/// Bytes that are there once. Where a connection closes before an answer, Qt sends a request anew, up to
+/// three times: four codes by e-mail for one that was asked for. Without the bytes only a head goes out
+/// again, which no server takes for a request.
 class ReadOnce : public QIODevice
 {
 public:
@@ -29,7 +30,12 @@ public:
     }
 
     bool isSequential() const override { return true; }
-    bool seek(qint64) override { return false; }
+    /// Asked for before a request is sent again, but also where a redirect could keep the body.
+    bool seek(qint64) override
+    {
+        m_position = m_bytes.size();
+        return true;
+    }
     bool atEnd() const override { return m_position == m_bytes.size(); }
     qint64 bytesAvailable() const override
     {
@@ -75,8 +81,11 @@ QNetworkRequest onTheWire(const BackendRequest &request)
     return wire;
 }
 
+/// Qt gives a file that it has read the status 200.
 std::optional<int> statusOf(const QNetworkReply &reply)
 {
+    if (!reply.url().scheme().startsWith("http"_L1))
+        return std::nullopt;
     const auto status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);
     return status.isValid() ? std::optional(status.toInt()) : std::nullopt;
 }
@@ -100,12 +109,23 @@ BackendError transportError(QNetworkReply::NetworkError error, const QString &de
     return {u"QNetworkReply"_s, error, description};
 }
 
+BackendError connectionClosed()
+{
+    return transportError(QNetworkReply::RemoteHostClosedError, u"Connection closed"_s);
+}
+
+/// Where all has come at once, Qt can take the end of the connection for the end of the answer.
+bool isCutOff(const QNetworkReply &reply, qsizetype received)
+{
+    bool isSaid = false;
+    const auto length = reply.rawHeader("Content-Length").toLongLong(&isSaid);
+    return isSaid && statusOf(reply) != 304 && !reply.hasRawHeader("Content-Encoding") && received < length;
+}
+
 } // namespace
 
-BackendCall::BackendCall(QNetworkAccessManager &network, BackendRequest request, BackendClient::Done done,
-                         QObject *parent)
+BackendCall::BackendCall(BackendRequest request, BackendClient::Done done, QObject *parent)
     : QObject(parent)
-    , m_network(network)
     , m_request(std::move(request))
     , m_done(std::move(done))
 {
@@ -114,16 +134,20 @@ BackendCall::BackendCall(QNetworkAccessManager &network, BackendRequest request,
 
 void BackendCall::send()
 {
+    // One for each request, so that each has a connection of its own. Qt sends the next request into one that
+    // the server is about to close, and nothing posted is sent twice.
+    if (m_network)
+        m_network->deleteLater();
+    m_network = new QNetworkAccessManager(this);
     m_answer.clear();
     const auto wire = onTheWire(m_request);
     if (m_request.body) {
         auto *body = new ReadOnce(*m_request.body);
-        m_reply = m_network.post(wire, body);
+        m_reply = m_network->post(wire, body);
         body->setParent(m_reply);
     } else {
-        m_reply = m_network.get(wire);
+        m_reply = m_network->get(wire);
     }
-    m_reply->setParent(this);
     connect(m_reply, &QNetworkReply::readyRead, this, &BackendCall::collect);
     connect(m_reply, &QNetworkReply::finished, this, &BackendCall::conclude);
 }
@@ -159,7 +183,6 @@ bool BackendCall::follow()
         return false;
     ++m_redirects;
     m_request = std::move(*next);
-    m_reply->deleteLater();
     send();
     return true;
 }
@@ -178,10 +201,9 @@ std::optional<BackendError> BackendCall::transportFailure() const
     if (m_tooLarge)
         return transportError(QNetworkReply::OperationCanceledError, u"The answer is larger than 8 MiB."_s);
     if (m_reply->error() == QNetworkReply::NoError || isOnlyTheStatus(*m_reply))
-        return std::nullopt;
-    if (m_reply->error() ==
-        QNetworkReply::ContentReSendError) // stopped by ReadOnce, for which Qt has no words
-        return transportError(QNetworkReply::RemoteHostClosedError, u"Connection closed"_s);
+        return isCutOff(*m_reply, m_answer.size()) ? std::optional(connectionClosed()) : std::nullopt;
+    if (m_request.body && m_reply->error() == QNetworkReply::UnknownNetworkError) // stopped by ReadOnce
+        return connectionClosed();
     return transportError(m_reply->error(), m_reply->errorString());
 }
 

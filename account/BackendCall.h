@@ -12,8 +12,7 @@ class QNetworkReply;
 class BackendCall : public QObject
 {
 public:
-    BackendCall(QNetworkAccessManager &network, BackendRequest request, BackendClient::Done done,
-                QObject *parent);
+    BackendCall(BackendRequest request, BackendClient::Done done, QObject *parent);
 
 private:
     void send();
@@ -24,10 +23,10 @@ private:
     std::optional<BackendError> transportFailure() const;
     void give(const BackendAnswer &answer);
 
-    QNetworkAccessManager &m_network;
     BackendRequest m_request;
     BackendClient::Done m_done;
-    QNetworkReply *m_reply = nullptr;
+    QNetworkAccessManager *m_network = nullptr;
+    QNetworkReply *m_reply = nullptr; ///< goes with m_network
     QByteArray m_answer;
     bool m_tooLarge = false;
     int m_redirects = 0;

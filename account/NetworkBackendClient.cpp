@@ -59,5 +59,5 @@ QByteArray NetworkBackendClient::authorization() const
 
 void NetworkBackendClient::start(BackendRequest request, Done done)
 {
-    new BackendCall(m_network, std::move(request), std::move(done), &m_calls);
+    new BackendCall(std::move(request), std::move(done), this);
 }

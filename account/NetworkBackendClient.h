@@ -4,7 +4,6 @@
 #include "BackendRequest.h"
 #include "Preferences.h"
 
-#include <QNetworkAccessManager>
 #include <QObject>
 
 /// How long the wire may stay silent before a call fails.
@@ -36,6 +35,4 @@ private:
 
     Preferences &m_preferences;
     Timeouts m_timeouts;
-    QNetworkAccessManager m_network;
-    QObject m_calls; ///< owns those under way; goes before what they use
 };

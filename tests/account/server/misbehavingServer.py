@@ -91,6 +91,10 @@ def held(connection, name, body):
     connection.sendall(whole(200, unhex(body)))
 
 
+def circle(connection):
+    connection.sendall(whole(307, b"round again", b"Location: /api/circle"))
+
+
 def hang(connection):
     wait_until_gone(connection)
 
@@ -115,8 +119,8 @@ def cut(connection, where):
             "after-head": head(200, b"Content-Length: 100"),
             "in-body": head(200, b"Content-Length: 100") + OBJECT,
             "in-refusal": head(500, b"Content-Length: 100") + OBJECT,
-            "in-chunk": head(200, b"Transfer-Encoding: chunked") + b"40\r\n" + OBJECT,
-            "after-chunk": head(200, b"Transfer-Encoding: chunked") + b"b\r\n" + OBJECT + b"\r\n",
+            "in-chunk": head(200, b"Transfer-Encoding: chunked") + b"b\r\n" + OBJECT[:7],
+            "after-chunk": head(200, b"Transfer-Encoding: chunked") + b"7\r\n" + OBJECT[:7] + b"\r\n",
         }[where]
     )
 
@@ -187,6 +191,7 @@ DEEDS = {
     "answer": answer,
     "repeated": repeated,
     "held": held,
+    "circle": circle,
     "hang": hang,
     "stall": stall,
     "drip": drip,
