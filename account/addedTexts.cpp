@@ -10,6 +10,7 @@ std::span<const L10nRow> addedTexts()
                 u"Чего Quorvel здесь не может и почему."},
         L10nRow{u"desktop_status_item", u"Status item", u"Значок в панели"},
         L10nRow{u"language_switch", u"Interface language", u"Язык интерфейса"},
+        L10nRow{u"section_list", u"Sections", u"Разделы"},
         L10nRow{u"session_progress", u"Session progress", u"Ход сессии"},
         L10nRow{u"status_line", u"Status", u"Состояние"},
     };

@@ -10,11 +10,10 @@ GridLayout {
     id: bar
 
     required property QuorvelController controller
-    required property string title
-    required property string subtitle
+    required property int section
+    required property real room ///< its width
 
-    readonly property bool wide: width - commands.implicitWidth - columnSpacing
-                                 >= Math.max(260, subtitleText.implicitWidth)
+    readonly property bool wide: room - commands.implicitWidth - columnSpacing >= 260
 
     columns: wide ? 2 : 1
     columnSpacing: 12
@@ -27,16 +26,14 @@ GridLayout {
 
         PageTitleText {
             Layout.fillWidth: true
-            text: bar.title
+            text: Sections.title(bar.section, bar.controller.language)
             Accessible.role: Accessible.Heading
         }
 
         CalloutText {
-            id: subtitleText
-
             Layout.fillWidth: true
             color: AppTheme.textMuted
-            text: bar.subtitle
+            text: Sections.subtitle(bar.section, bar.controller.language)
         }
     }
 
@@ -45,6 +42,13 @@ GridLayout {
 
         Layout.alignment: bar.wide ? Qt.AlignTop | Qt.AlignRight : Qt.AlignLeft
         spacing: 10
+
+        GlassButton {
+            visible: bar.section === ProductSection.Rules
+            iconName: "check-circle"
+            text: L10n.t("save_settings", bar.controller.language)
+            onClicked: bar.controller.saveSettings()
+        }
 
         GlassButton {
             iconName: "lock"

@@ -10,6 +10,8 @@ FocusScope {
     required property QuorvelController controller
     required property DesktopSupport desktopSupport
 
+    property int selection: ProductSection.Focus ///< the section that is shown
+
     readonly property bool entered: controller.accessMode !== AccessMode.None
 
     focus: true
@@ -34,6 +36,8 @@ FocusScope {
         focus: visible
         controller: view.controller
         desktopSupport: view.desktopSupport
+        selection: view.selection
+        onChosen: section => view.selection = section
     }
 
     Shortcut {

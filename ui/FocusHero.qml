@@ -60,14 +60,14 @@ Panel {
         columnSpacing: 12
         rowSpacing: 16
 
-        ColumnLayout {
+        Column {
+            id: words
+
             Layout.fillWidth: true
-            Layout.maximumWidth: hero.width // the subtitle's limit is its own
             spacing: 12
 
             CalloutText {
-                Layout.fillWidth: true
-                Layout.maximumWidth: 520
+                width: Math.min(520, words.width)
                 color: AppTheme.textMuted
                 text: hero.controller.focusSubtitle
             }
@@ -102,6 +102,12 @@ Panel {
 
     Rule {
         Layout.topMargin: 20
+    }
+
+    TopicField {
+        Layout.fillWidth: true
+        Layout.topMargin: 16
+        controller: hero.controller
     }
 
     StatusLine {

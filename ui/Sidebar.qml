@@ -9,6 +9,9 @@ FocusScope {
     id: sidebar
 
     required property QuorvelController controller
+    required property int selection
+
+    signal chosen(int section)
 
     implicitWidth: AppTheme.sidebarWidth
 
@@ -39,8 +42,12 @@ FocusScope {
             controller: sidebar.controller
         }
 
-        Item {
+        SectionList {
+            Layout.fillWidth: true
             Layout.fillHeight: true
+            controller: sidebar.controller
+            selection: sidebar.selection
+            onChosen: section => sidebar.chosen(section)
         }
 
         AccountStatus {

@@ -1,15 +1,17 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Layouts
 import Quorvel.Ui
 
-/// The sidebar and the page beside it.
+/// The sidebar and the page of the selected section beside it.
 FocusScope {
     id: layout
 
     required property QuorvelController controller
     required property DesktopSupport desktopSupport
+    required property int selection
+
+    signal chosen(int section)
 
     Sidebar {
         id: sidebar
@@ -18,46 +20,35 @@ FocusScope {
         anchors.top: parent.top
         anchors.bottom: parent.bottom
         controller: layout.controller
+        selection: layout.selection
+        onChosen: section => layout.chosen(section)
     }
 
-    PageScroller {
-        id: scroller
+    Loader {
+        readonly property url page: {
+            switch (layout.selection) {
+            case ProductSection.Cards:
+                return "CardsWorkspace.qml";
+            case ProductSection.Plan:
+                return "PlanWorkspace.qml";
+            case ProductSection.Rules:
+                return "RulesWorkspace.qml";
+            default:
+                return "FocusDashboard.qml";
+            }
+        }
 
         anchors.left: sidebar.right
         anchors.right: parent.right
         anchors.top: parent.top
         anchors.bottom: parent.bottom
         focus: true
-        content: page
-
-        Item {
-            id: page
-
-            width: scroller.width
-            implicitHeight: column.implicitHeight + 2 * AppTheme.pageMargin
-
-            ColumnLayout {
-                id: column
-
-                anchors.left: parent.left
-                anchors.right: parent.right
-                anchors.top: parent.top
-                anchors.margins: AppTheme.pageMargin
-                spacing: AppTheme.titleGap
-
-                CommandBar {
-                    Layout.fillWidth: true
-                    controller: layout.controller
-                    title: L10n.t("focus_title", layout.controller.language)
-                    subtitle: L10n.t("focus_subtitle", layout.controller.language)
-                }
-
-                FocusPage {
-                    Layout.fillWidth: true
-                    controller: layout.controller
-                    desktopSupport: layout.desktopSupport
-                }
-            }
+        // By address: a Loader of Qt 6.4 cannot make a component that is bound to its file.
+        onPageChanged: {
+            const given = {"controller": layout.controller, "width": width, "height": height};
+            if (layout.selection === ProductSection.Focus)
+                given["desktopSupport"] = layout.desktopSupport;
+            setSource(page, given);
         }
     }
 
@@ -71,5 +62,11 @@ FocusScope {
         sequence: "Ctrl+S"
         enabled: layout.enabled && layout.controller.canStartStudy
         onActivated: layout.controller.startStudy()
+    }
+
+    Shortcut {
+        sequence: "Ctrl+Shift+S"
+        enabled: layout.enabled && layout.selection === ProductSection.Rules
+        onActivated: layout.controller.saveSettings()
     }
 }

@@ -79,3 +79,59 @@ struct BrowserCoverageListForQml
     QML_ANONYMOUS
     QML_SEQUENTIAL_CONTAINER(BrowserCoverage)
 };
+
+/// A card as a value of QML, to show and to give back to a command.
+struct StudyCardForQml
+{
+    Q_GADGET
+    QML_FOREIGN(StudyCard)
+    QML_VALUE_TYPE(studyCard)
+    QML_EXTENDED(StudyCardForQml)
+    Q_PROPERTY(QString topic READ topic FINAL)
+    Q_PROPERTY(bool hasTopic READ hasTopic FINAL)
+    Q_PROPERTY(QString prompt READ prompt FINAL)
+    Q_PROPERTY(QString expectedAnswer READ expectedAnswer FINAL)
+    Q_PROPERTY(qint64 correctCount READ correctCount FINAL)
+    Q_PROPERTY(qint64 wrongCount READ wrongCount FINAL)
+
+public:
+    QString topic() const { return value.topic.value_or(QString()); }
+    bool hasTopic() const { return !topic().isEmpty(); }
+    QString prompt() const { return value.prompt; }
+    QString expectedAnswer() const { return value.expectedAnswer; }
+    qint64 correctCount() const { return value.correctCount; }
+    qint64 wrongCount() const { return value.wrongCount; }
+
+    StudyCard value; ///< the only member: QML lays this struct over the extended one
+};
+
+/// A task as a value of QML, to show and to give back to a command.
+struct StudyTaskForQml
+{
+    Q_GADGET
+    QML_FOREIGN(StudyTask)
+    QML_VALUE_TYPE(studyTask)
+    QML_EXTENDED(StudyTaskForQml)
+    Q_PROPERTY(QString title READ title FINAL)
+    Q_PROPERTY(bool isCompleted READ isCompleted FINAL)
+
+public:
+    QString title() const { return value.title; }
+    bool isCompleted() const { return value.completedAt.has_value(); }
+
+    StudyTask value; ///< the only member: QML lays this struct over the extended one
+};
+
+struct StudyCardModelForQml
+{
+    Q_GADGET
+    QML_FOREIGN(StudyCardModel)
+    QML_ANONYMOUS
+};
+
+struct StudyTaskModelForQml
+{
+    Q_GADGET
+    QML_FOREIGN(StudyTaskModel)
+    QML_ANONYMOUS
+};

@@ -25,6 +25,8 @@ QtObject {
     readonly property color panelMaterial: Qt.rgba(36 / 255, 35 / 255, 46 / 255, 0.46)
     readonly property color sidebarMaterial: Qt.rgba(34 / 255, 32 / 255, 44 / 255, 0.34)
     readonly property color tileFill: Qt.rgba(1, 1, 1, 0.04)
+    readonly property color placeholder: Qt.rgba(1, 1, 1, 0.55)
+    readonly property color selection: Qt.rgba(0.63, 0.33, 1, 0.6)
     readonly property color hairline: Qt.rgba(1, 1, 1, 0.063)
 
     readonly property int pageMargin: 30
@@ -35,6 +37,8 @@ QtObject {
     readonly property int panelPadding: 20
     readonly property int headerGap: 14
     readonly property int iconGap: 8
+    readonly property int labelGap: 6
+    readonly property int rowGap: 10
     readonly property int controlHeight: 40
     readonly property int sidebarWidth: 276
     readonly property int narrowContent: 760 ///< below this width tiles stand two by two

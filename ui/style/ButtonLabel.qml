@@ -30,6 +30,7 @@ Item {
 
         Text {
             anchors.verticalCenter: parent.verticalCenter
+            visible: label.text !== ""
             text: label.text
             textFormat: Text.PlainText
             color: label.color

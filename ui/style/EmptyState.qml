@@ -10,7 +10,7 @@ ColumnLayout {
 
     required property string iconName
     required property string title
-    required property string message
+    property string message: ""
 
     spacing: 0
 
@@ -25,16 +25,20 @@ ColumnLayout {
     HeadlineText {
         Layout.fillWidth: true
         Layout.topMargin: 10
+        Layout.bottomMargin: message.visible ? 0 : 26
         horizontalAlignment: Text.AlignHCenter
         text: emptyState.title
     }
 
     CaptionText {
+        id: message
+
         Layout.fillWidth: true
         Layout.topMargin: 3
         Layout.bottomMargin: 26
         horizontalAlignment: Text.AlignHCenter
         color: AppTheme.textMuted
+        visible: text !== ""
         text: emptyState.message
     }
 }

@@ -11,8 +11,6 @@ Flickable {
 
     required property Item content
 
-    readonly property Item focusItem: Window.activeFocusItem
-
     contentWidth: width
     contentHeight: content.implicitHeight
     boundsBehavior: Flickable.StopAtBounds
@@ -20,42 +18,11 @@ Flickable {
     clip: true
 
     ScrollBar.vertical: ThinScrollBar {}
+    Keys.forwardTo: [scrolling]
 
-    function scrollBy(distance: real): void {
-        contentY = Math.max(0, Math.min(contentHeight - height, contentY + distance));
-    }
+    PageScrolling {
+        id: scrolling
 
-    onFocusItemChanged: {
-        let ancestor = focusItem;
-        while (ancestor && ancestor !== content)
-            ancestor = ancestor.parent;
-        if (!ancestor)
-            return;
-        const top = focusItem.mapToItem(content, 0, 0).y;
-        const margin = AppTheme.blockGap;
-        if (top - margin < contentY)
-            scrollBy(top - margin - contentY);
-        else if (top + focusItem.height + margin > contentY + height)
-            scrollBy(top + focusItem.height + margin - contentY - height);
-    }
-
-    Keys.onPressed: event => {
-        event.accepted = true;
-        switch (event.key) {
-        case Qt.Key_PageDown:
-            page.scrollBy(page.height * 0.9);
-            break;
-        case Qt.Key_PageUp:
-            page.scrollBy(-page.height * 0.9);
-            break;
-        case Qt.Key_Down:
-            page.scrollBy(60);
-            break;
-        case Qt.Key_Up:
-            page.scrollBy(-60);
-            break;
-        default:
-            event.accepted = false;
-        }
+        page: page
     }
 }

@@ -19,18 +19,8 @@ Item {
     Accessible.role: Accessible.Grouping
     Accessible.name: title
 
-    Surface {
-        radius: 24
-        baseColor: AppTheme.panelMaterial
-        startColor: AppTheme.faded(AppTheme.neonPurple, 0.1)
-        middleColor: AppTheme.faded(AppTheme.neonGreen, 0.045)
-        endColor: "transparent"
-        outlineColor: AppTheme.faded(AppTheme.glassStroke, 0.78)
-        shadowColor: Qt.rgba(0, 0, 0, 0.28)
-        shadowSigma: 24
-        shadowOffset: Qt.point(0, 18)
-        secondShadowColor: AppTheme.faded(AppTheme.neonPurple, 0.08)
-        secondShadowSigma: 30
+    PanelSurface {
+        anchors.fill: parent
     }
 
     ColumnLayout {
@@ -42,23 +32,11 @@ Item {
         anchors.margins: AppTheme.panelPadding
         spacing: AppTheme.headerGap
 
-        ColumnLayout {
+        PanelHeading {
             Layout.fillWidth: true
             visible: panel.title !== ""
-            spacing: 3
-
-            HeadlineText {
-                Layout.fillWidth: true
-                text: panel.title
-                Accessible.role: Accessible.Heading
-            }
-
-            CaptionText {
-                Layout.fillWidth: true
-                visible: panel.subtitle !== ""
-                text: panel.subtitle
-                color: AppTheme.textMuted
-            }
+            title: panel.title
+            subtitle: panel.subtitle
         }
 
         ColumnLayout {

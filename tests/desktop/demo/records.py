@@ -11,8 +11,9 @@ def write_settings(home, **settings):
     (folder / "config.json").write_text(json.dumps(settings), encoding="utf-8")
 
 
-def read_progress(home):
-    return json.loads((home / ".local/share/Quorvel/progress.json").read_text(encoding="utf-8"))
+def read_record(home, name):
+    """One of the record files, such as "progress"."""
+    return json.loads((home / f".local/share/Quorvel/{name}.json").read_text(encoding="utf-8"))
 
 
 def read_preferences(home):

@@ -86,6 +86,26 @@ class Stage:
 
         return wait_until(shown, 20, f"a window of {process.args[0]}")[0]
 
+    def press_key(self, key):
+        """A key or a combination as xdotool names it, in the window in front."""
+        self.desktop.run("xdotool", "key", "--clearmodifiers", key)
+
+    def fill(self, field, text, then=None):
+        """Types over what stands in a field of Quorvel's window, which is in front; then perhaps presses a key."""
+        self.window.focus(field)
+        self.press_key("ctrl+a")
+        self.type(text)
+        if then:
+            self.press_key(then)
+
+    def type(self, text):
+        self.desktop.run("xdotool", "type", "--clearmodifiers", "--delay", "12", text)
+
+    def wait_for_field(self, field, text, seconds):
+        """Waits until this stands in the field."""
+        wait_until(lambda: self.window.text_of(field) == text, seconds, f"{text!r} in {field!r}")
+        return f"{field}: {text}"
+
     def hands(self):
         """`with stage.hands():` someone moves the pointer a little, more than once a second."""
         return _Hands(self.desktop)
@@ -98,7 +118,7 @@ class Stage:
         self._turn_wheel("4")
 
     def _turn_wheel(self, button):
-        self.desktop.run("xdotool", "mousemove", str(HANDS_X), str(HANDS_Y), "click", "--repeat", "15", "--delay", "5", button)
+        self.desktop.run("xdotool", "mousemove", str(HANDS_X), str(HANDS_Y), "click", "--repeat", "40", "--delay", "5", button)
 
     def picture(self, name):
         """Takes NN-name.png of the whole screen; fails where nothing was drawn or nothing has changed."""

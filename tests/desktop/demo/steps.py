@@ -1,4 +1,4 @@
-"""The demo itself: a student's session, told from the first screen to the break."""
+"""The demo itself: a student's two sessions, told from the first screen to the second break."""
 
 import re
 import signal
@@ -17,6 +17,11 @@ SHOWN = 20  # seconds; a text that comes at all comes sooner, also where the mac
 CLOCK = r"\d\d:\d\d"
 COUNTING = r"Counting study time\. Card proof: Off\. Active app: Anki\."
 STEAM_RUNS = r"Paused: blocked app is running: Steam\."
+
+
+TOPIC = "Derivatives"
+ANSWERS = {"Slope of a curve": "derivative", "Rate of change of speed": "acceleration"}  # the two cards of the topic
+TASK = "Solve five chain rule problems"
 
 
 def event(text):
@@ -44,6 +49,12 @@ def play(desktop, report, program, decoy, companion):
     speak_russian(stage, report, anki)
     earn_the_break(stage, report, anki)
     leave_steam_alone(stage, report)
+    ask_for_proofs(stage, report, desktop.home)
+    add_cards(stage, report)
+    miss_a_card(stage, report)
+    plan_a_step(stage, report)
+    prove_one_card(stage, report)
+    open_the_break_by_the_last_card(stage, report)
     find_it_on_the_disk(stage, report, desktop.home)
     report.finish()
 
@@ -210,15 +221,128 @@ def leave_steam_alone(stage, report):
         stage.end(steam)
 
 
+def ask_for_proofs(stage, report, home):
+    with report.step("Settings", "two cards a break, and Quorvel itself as a study application, are in force once saved") as step:
+        stage.bring_to_front(stage.quorvel)
+        stage.window.press("Settings")
+        stage.fill("Card proofs", "+2")
+        stage.window.press("Save Settings")
+        step.saw(stage.wait_for_field("Card proofs", "2", SHOWN))
+        stage.window.press("Pro mode")
+        stage.window.focus("Allowed Study Apps")
+        stage.press_key("ctrl+End")
+        stage.press_key("Return")
+        stage.type("Quorvel")
+        step.saw(stage.picture("settings"))
+        stage.press_key("ctrl+shift+s")
+        wait_until(lambda: "Quorvel" in records.read_record(home, "config")["allowedStudyApps"], 3, "the saved list")
+        config = records.read_record(home, "config")
+        step.check(config["requiredProofsToUnlock"] == 2, f"config.json: {config['requiredProofsToUnlock']} cards a break, "
+                   f"study applications end with {config['allowedStudyApps'][-1]}")
+
+
+def add_cards(stage, report):
+    with report.step("Cards", "three cards are added by typing and Return; two are of the topic that is set") as step:
+        stage.window.press("Cards")
+        for question, answer in [*ANSWERS.items(), ("Capital of France", "Paris")]:
+            stage.fill("Topic, blank = current topic", TOPIC if question in ANSWERS else "Geography")
+            stage.fill("Question", question)
+            stage.fill("Expected answer", answer, then="Return")
+            stage.wait_for_field("Question", "", SHOWN)
+        stage.fill("Current study topic", TOPIC)
+        stage.window.press("Pick Card")
+        step.saw(stage.window.wait_for(r"Next card selected\.", SHOWN))
+        step.saw(stage.picture("cards"))
+        stage.scroll_to_end()
+        step.saw(stage.window.wait_for(r"3 total, 2 matching current topic\.", SHOWN))
+        step.saw(stage.picture("card-bank"))
+
+
+def asked(stage):
+    """The question on the card that is asked."""
+    stage.scroll_to_start()
+    stage.window.focus("Answer from memory")
+    return next(text for text in stage.window.texts() if text in ANSWERS)
+
+
+def miss_a_card(stage, report):
+    with report.step("Wrong answer", "a wrong answer stays, the expected one is shown, and the miss is counted") as step:
+        question = asked(stage)
+        stage.fill("Answer from memory", "no idea", then="Return")
+        step.saw(stage.window.wait_for(r"Not yet\. Review the expected answer, then try another card\.", SHOWN))
+        step.saw(stage.wait_for_field("Answer from memory", "no idea", SHOWN))
+        step.saw(stage.window.wait_for("Expected", SHOWN))
+        step.saw(f"{question}: {stage.window.wait_for(ANSWERS[question], SHOWN)}")
+        step.saw(stage.window.wait_for("OK 0 / Miss 1", SHOWN))
+        step.saw(stage.picture("wrong-answer"))
+
+
+def prove_one_card(stage, report):
+    with report.step("Proof", "in a session a right answer counts toward the break, with 10 XP") as step:
+        stage.press_key("ctrl+s")
+        step.saw(stage.window.wait_for(r"Study session is already running\.", SHOWN))
+        stage.window.press("Cards")
+        question = asked(stage)
+        stage.fill("Answer from memory", ANSWERS[question], then="Return")
+        step.saw(f"{question}: {ANSWERS[question]}")
+        step.saw(stage.window.wait_for(r"Correct\. Card proof: 1/2\.", SHOWN))
+        step.check(asked(stage) != question, "the other card is asked now")
+        step.saw(stage.picture("first-proof"))
+
+
+def plan_a_step(stage, report):
+    with report.step("Plan", "a task is added by typing and Return; ticking it gives 3 XP") as step:
+        stage.window.press("Plan")
+        stage.fill("Next task", TASK, then="Return")
+        step.saw(stage.window.wait_for(re.escape(TASK), SHOWN))
+        stage.window.press("Done")
+        stage.window.wait_for("Reopen", SHOWN)
+        step.saw(stage.picture("plan"))
+        stage.window.press("Focus")
+        stage.scroll_to_end()
+        step.saw(stage.window.wait_for(event("+3 XP. Study task completed."), SHOWN))
+
+
+def open_the_break_by_the_last_card(stage, report):
+    with report.step("Break by proof", "the clock alone opens no break; the second card does, at once") as step:
+        stage.window.press("Focus")
+        with stage.hands():
+            stage.window.wait_for("00:00", 75)
+            step.saw(stage.window.wait_for(r"Timer done\. Solve 1 more unique card to unlock break\.", SHOWN))
+            step.saw(stage.picture("timer-done"))
+            time.sleep(2)
+            step.check(not stage.window.find("Break remaining"), "no break 2 s later")
+            stage.scroll_to_end()
+            stage.window.focus("Answer from memory")
+            question = next(text for text in stage.window.texts() if text in ANSWERS)
+            stage.fill("Answer from memory", ANSWERS[question], then="Return")
+            waited = seconds_until(lambda: stage.window.find("Break remaining"), 3, "the break")
+            step.saw(f"{question}: {ANSWERS[question]}; the break opened after {waited:.1f} s")
+            stage.scroll_to_end()
+            step.saw(stage.window.wait_for(event("Study session completed. Break unlocked."), SHOWN))
+            step.saw(stage.picture("break-by-proof"))
+
+
 def find_it_on_the_disk(stage, report, home):
-    with report.step("Files", "a minute, a session and 26 XP are on the disk, also after Quorvel has ended") as step:
+    with report.step("Files", "sessions, cards, tasks, settings and 75 XP are on the disk, also after Quorvel has ended") as step:
         today = date.today().isoformat()
         for moment in "while it runs", "after its end":
-            progress = records.read_progress(home)
-            wanted = {"totalXP": 26, "totalFocusSeconds": 60, "totalCompletedSessions": 1, "currentStreak": 1,
-                      "lastCompletedStudyDay": today}
+            progress = records.read_record(home, "progress")
+            wanted = {"totalXP": 75, "totalFocusSeconds": 120, "totalCompletedSessions": 2, "totalCardProofs": 2,
+                      "currentStreak": 1, "lastCompletedStudyDay": today}
             step.check({key: progress.get(key) for key in wanted} == wanted, f"progress.json {moment}: {progress}")
             preferences = records.read_preferences(home)
-            wanted = {f"studySeconds-{today}": 60, f"completedSessions-{today}": 1, "accessMode": "guest", "language": "en"}
+            wanted = {f"studySeconds-{today}": 120, f"completedSessions-{today}": 2, "accessMode": "guest", "language": "en"}
             step.check({key: preferences.get(key) for key in wanted} == wanted, f"preferences {moment}: {preferences}")
+            cards = {card["prompt"]: (card["topic"], card["correctCount"], card["wrongCount"])
+                     for card in records.read_record(home, "study-cards")}
+            counts = sorted(cards.pop(question)[1:] for question in ANSWERS)
+            step.check(counts == [(1, 0), (1, 1)] and cards == {"Capital of France": ("Geography", 0, 0)},
+                       f"study-cards.json {moment}: right and wrong answers {counts}, not asked {cards}")
+            tasks = records.read_record(home, "study-tasks")
+            step.check([(task["title"], "completedAt" in task) for task in tasks] == [(TASK, True)],
+                       f"study-tasks.json {moment}: {tasks}")
+            config = records.read_record(home, "config")
+            step.check(config["requiredProofsToUnlock"] == 2 and "Quorvel" in config["allowedStudyApps"],
+                       f"config.json {moment}: {config['requiredProofsToUnlock']} cards a break")
             stage.end(stage.quorvel)

@@ -9,6 +9,7 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
 from report import StepFailed  # noqa: E402
+from virtualDesktop import wait_until  # noqa: E402
 
 
 def _children(node):
@@ -34,8 +35,8 @@ class Window:
                 continue  # one that is just going
         return None
 
-    def nodes(self):
-        """Every showing item as (item, role, name), as the program has it now."""
+    def nodes(self, showing=True):
+        """Every showing item as (item, role, name), as the program has it now; or also what is scrolled away."""
         application = self._application()
         if application is None:
             return []
@@ -45,7 +46,8 @@ class Window:
         while waiting:
             node = waiting.pop(0)
             try:
-                if not node.get_state_set().contains(Atspi.StateType.SHOWING):
+                states = node.get_state_set()
+                if not states.contains(Atspi.StateType.SHOWING if showing else Atspi.StateType.VISIBLE):
                     continue
                 found.append((node, node.get_role_name(), node.get_name() or ""))
                 waiting[:0] = _children(node)
@@ -94,6 +96,25 @@ class Window:
                     return
             time.sleep(0.1)
         raise StepFailed(f"no button {name!r} that can be pressed")
+
+    def focus(self, name, seconds=10):
+        """Gives the keyboard to the field of that name, wherever the page stands: the page goes to it by itself."""
+        ends = time.monotonic() + seconds
+        while time.monotonic() < ends:
+            node = self._field(name)
+            if node is not None and Atspi.Component.grab_focus(node.get_component_iface()):
+                wait_until(lambda: self._field(name).get_state_set().contains(Atspi.StateType.FOCUSED), seconds, name)
+                return
+            time.sleep(0.1)
+        raise StepFailed(f"no field {name!r} to type into")
+
+    def text_of(self, name):
+        """What stands in the field of that name; None where there is no such field."""
+        node = self._field(name)
+        return Atspi.Text.get_text(node.get_text_iface(), 0, -1) if node is not None else None
+
+    def _field(self, name):
+        return next((node for node, role, text in self.nodes(showing=False) if text == name and role == "text"), None)
 
     @staticmethod
     def _press(node, role):

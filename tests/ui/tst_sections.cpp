@@ -1,0 +1,301 @@
+// The sections of the real window, worked by keys: what the fields show and write, and where the keyboard
+// goes.
+#include "ControllerHarness.h"
+#include "DesktopSupport.h"
+#include "setUpInterface.h"
+
+#include <QAccessible>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickView>
+#include <QTest>
+#include <QtQml/qqmlextensionplugin.h>
+
+using namespace Qt::StringLiterals;
+
+Q_IMPORT_QML_PLUGIN(Quorvel_UiPlugin)
+
+namespace {
+
+void collect(QAccessibleInterface *node, QList<QAccessibleInterface *> &found)
+{
+    if (!node || node->state().invisible)
+        return;
+    found.append(node);
+    for (int index = 0; index < node->childCount(); ++index)
+        collect(node->child(index), found);
+}
+
+/// A button's text becomes its accessible name only where somebody listens on the desktop.
+QString nameOf(const QAccessibleInterface *node)
+{
+    const auto name = node->text(QAccessible::Name);
+    return name.isEmpty() ? node->object()->property("text").toString() : name;
+}
+
+} // namespace
+
+class tst_sections : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<ControllerHarness> m_harness;
+    std::unique_ptr<DesktopSupport> m_support;
+    std::unique_ptr<QQuickView> m_window;
+
+    QuorvelController &controller() const { return *m_harness->controller; }
+
+    /// Everything of that role and name, as assistive tools find it, also what is scrolled away.
+    QList<QQuickItem *> all(QAccessible::Role role, const QString &name) const
+    {
+        QList<QAccessibleInterface *> nodes;
+        collect(QAccessible::queryAccessibleInterface(m_window.get()), nodes);
+        QList<QQuickItem *> found;
+        for (auto *node : nodes) {
+            if (node->role() == role && nameOf(node) == name)
+                found.append(qobject_cast<QQuickItem *>(node->object()));
+        }
+        return found;
+    }
+
+    QQuickItem *field(const QString &name) const { return all(QAccessible::EditableText, name).value(0); }
+    static QString textOf(const QQuickItem *field) { return field->property("text").toString(); }
+    QQuickItem *focusItem() const { return m_window->activeFocusItem(); }
+
+    void open(const QString &section) const
+    {
+        auto *button = all(QAccessible::RadioButton, section).value(0);
+        QVERIFY(button);
+        QVERIFY(QMetaObject::invokeMethod(button, "clicked"));
+    }
+
+    void type(const QString &text) const
+    {
+        for (const auto letter : text)
+            QTest::keyClick(m_window.get(), letter.toLatin1());
+    }
+
+    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
+    {
+        QTest::keyClick(m_window.get(), key, modifiers);
+    }
+
+    void fill(const QString &name, const QString &text) const
+    {
+        auto *input = field(name);
+        QVERIFY(input);
+        input->forceActiveFocus(Qt::TabFocusReason);
+        key(Qt::Key_A, Qt::ControlModifier);
+        type(text);
+    }
+
+    void addTasks(int count) const
+    {
+        for (int number = count; number > 0; --number) {
+            controller().setNewStudyTaskText(u"Task %1"_s.arg(number));
+            controller().addStudyTask();
+        }
+    }
+
+private Q_SLOTS:
+    void initTestCase() { QQuickWindow::setSceneGraphBackend(u"software"_s); }
+
+    void init()
+    {
+        m_harness = std::make_unique<ControllerHarness>();
+        m_harness->start().continueAsGuest();
+        m_support = std::make_unique<DesktopSupport>();
+        m_window = std::make_unique<QQuickView>();
+        setUpInterface(*m_window->engine());
+        m_window->setResizeMode(QQuickView::SizeRootObjectToView);
+        m_window->setInitialProperties({{u"controller"_s, QVariant::fromValue(&controller())},
+                                        {u"desktopSupport"_s, QVariant::fromValue(m_support.get())}});
+        m_window->setSource(QUrl(u"qrc:/qt/qml/Quorvel/Ui/ContentView.qml"_s));
+        m_window->resize(1180, 820);
+        m_window->show();
+        m_window->requestActivate();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    }
+
+    void cleanup()
+    {
+        m_window.reset();
+        m_support.reset();
+        m_harness.reset();
+    }
+
+    void fieldsFollowWhatIsInForce()
+    {
+        open(u"Settings"_s);
+        fill(u"Card proofs"_s, u"+2"_s);
+        QCOMPARE(controller().requiredProofsText(), u"+2"_s);
+        QCOMPARE(controller().config().requiredProofsToUnlock, 0);
+        key(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(controller().config().requiredProofsToUnlock, 2);
+        QCOMPARE(textOf(field(u"Card proofs"_s)), u"2"_s);
+        type(u"0"_s); // typing goes on after the text came from outside
+        QCOMPARE(controller().requiredProofsText(), u"20"_s);
+        open(u"Focus"_s);
+        open(u"Settings"_s);
+        QCOMPARE(textOf(field(u"Card proofs"_s)), u"20"_s);
+    }
+
+    void theSignInScreenCallsOneCommandForEachControl()
+    {
+        controller().signOut();
+        auto &calls = m_harness->backend.calls;
+        QVERIFY(field(u"Email"_s)->hasActiveFocus());
+        type(u"Ann@b.c"_s);
+        QCOMPARE(controller().authEmailText(), u"Ann@b.c"_s);
+        key(Qt::Key_Return);
+        fill(u"Verification code"_s, u"12 34"_s);
+        key(Qt::Key_Return);
+        for (const auto &name :
+             {u"Send Code"_s, u"Verify Email"_s, u"Continue with Google"_s, u"Continue with Yandex"_s}) {
+            auto *button = all(QAccessible::Button, name).value(0);
+            QVERIFY2(button, qPrintable(name));
+            button->forceActiveFocus(Qt::TabFocusReason);
+            key(Qt::Key_Space);
+        }
+        QStringList paths;
+        for (const auto &call : calls)
+            paths.append(call.path);
+        QCOMPARE(paths,
+                 QStringList({u"/auth/email/start"_s, u"/auth/email/verify"_s, u"/auth/email/start"_s,
+                              u"/auth/email/verify"_s, u"/auth/google/start"_s, u"/auth/yandex/start"_s}));
+        QCOMPARE(calls[3].body, (QJsonObject{{u"email"_s, u"ann@b.c"_s}, {u"code"_s, u"12 34"_s}}));
+        QCOMPARE(textOf(field(u"Verification code"_s)), u"12 34"_s);
+        QCOMPARE(all(QAccessible::StaticText, u"Opening browser..."_s).size(), 1);
+        controller().setLanguage(AppLanguage::Russian);
+        QVERIFY(field(u"Почта"_s) && field(u"Код подтверждения"_s));
+        m_harness->backend.answer(QJsonObject{{u"session"_s, u"t"_s}}, 3);
+        QVERIFY(!field(u"Почта"_s)); // the working layout is there
+    }
+
+    void savingByKeyWorksInSettingsAlone()
+    {
+        controller().setStudyMinutesText(u"30"_s);
+        for (const auto &section : {u"Focus"_s, u"Cards"_s, u"Plan"_s}) {
+            open(section);
+            key(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+            QCOMPARE(controller().config().studyMinutes, 25);
+            QVERIFY(all(QAccessible::Button, u"Save Settings"_s).isEmpty());
+        }
+        open(u"Settings"_s);
+        controller().signOut();
+        key(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(controller().config().studyMinutes, 25);
+        controller().continueAsGuest(); // back where it was
+        QCOMPARE(all(QAccessible::Button, u"Save Settings"_s).size(), 2);
+        key(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(controller().config().studyMinutes, 30);
+    }
+
+    void proModeShowsTheEditors()
+    {
+        open(u"Settings"_s);
+        QVERIFY(!field(u"Blocked apps"_s));
+        all(QAccessible::CheckBox, u"Pro mode"_s).value(0)->forceActiveFocus(Qt::TabFocusReason);
+        key(Qt::Key_Space);
+        QVERIFY(controller().proModeEnabled());
+        QVERIFY(field(u"Idle pause seconds"_s));
+        auto *editor = field(u"Blocked apps"_s);
+        QVERIFY(editor);
+        editor->forceActiveFocus();
+        key(Qt::Key_Tab);
+        QVERIFY(field(u"Blocked Domains"_s)->hasActiveFocus());
+        key(Qt::Key_Backtab, Qt::ShiftModifier);
+        QVERIFY(editor->hasActiveFocus());
+        key(Qt::Key_A, Qt::ControlModifier);
+        type(u"Chess"_s);
+        QCOMPARE(controller().blockedAppsText(), u"Chess"_s);
+        all(QAccessible::CheckBox, u"Pro mode"_s).value(0)->forceActiveFocus(Qt::TabFocusReason);
+        key(Qt::Key_Return);
+        QVERIFY(!controller().proModeEnabled());
+        QVERIFY(!field(u"Blocked apps"_s));
+    }
+
+    void anEditorWritesBackOnlyWhatWasTyped()
+    {
+        controller().setProModeEnabled(true);
+        open(u"Settings"_s);
+        const auto odd = u"Chess\u2029Go"_s; // comes out of the editor with a line feed
+        controller().setBlockedAppsText(odd);
+        QCOMPARE(textOf(field(u"Blocked apps"_s)), u"Chess\nGo"_s);
+        QCOMPARE(controller().blockedAppsText(), odd);
+    }
+
+    void returnAddsACardAndClearsTheFields()
+    {
+        open(u"Cards"_s);
+        fill(u"Topic, blank = current topic"_s, u"Maths"_s);
+        fill(u"Question"_s, u"1+1?"_s);
+        fill(u"Expected answer"_s, u"two|2"_s);
+        key(Qt::Key_Return);
+        QCOMPARE(controller().studyCards().size(), size_t(1));
+        QCOMPARE(textOf(field(u"Question"_s)), QString());
+        QCOMPARE(textOf(field(u"Expected answer"_s)), QString());
+        QVERIFY(field(u"Expected answer"_s)->hasActiveFocus());
+        fill(u"Answer from memory"_s, u"three"_s);
+        key(Qt::Key_Return);
+        QCOMPARE(textOf(field(u"Answer from memory"_s)), u"three"_s);
+        QCOMPARE(all(QAccessible::StaticText, u"two|2"_s).size(), 1);
+        QVERIFY(!all(QAccessible::StaticText, u"OK 0 / Miss 1"_s).isEmpty());
+    }
+
+    void feedbackIsShownWithoutACard()
+    {
+        open(u"Cards"_s);
+        key(Qt::Key_Tab);
+        fill(u"Expected answer"_s, u"alone"_s);
+        key(Qt::Key_Return);
+        QCOMPARE(all(QAccessible::StaticText, controller().quizFeedback()).size(), 1);
+        QVERIFY(!field(u"Answer from memory"_s));
+    }
+
+    void onlyRowsInSightExist()
+    {
+        addTasks(500);
+        open(u"Plan"_s);
+        QTRY_VERIFY(all(QAccessible::Button, u"Done"_s).size() > 3);
+        QVERIFY2(all(QAccessible::Button, u"Done"_s).size() < 30,
+                 qPrintable(QString::number(all(QAccessible::Button, u"Done"_s).size())));
+    }
+
+    void arrowsWalkTheRows()
+    {
+        addTasks(3);
+        open(u"Plan"_s);
+        QTRY_COMPARE(all(QAccessible::Button, u"Done"_s).size(), 3);
+        all(QAccessible::Button, u"Done"_s).value(0)->forceActiveFocus(Qt::TabFocusReason);
+        key(Qt::Key_Down);
+        key(Qt::Key_Down);
+        key(Qt::Key_Down); // there is no fourth
+        key(Qt::Key_Up);
+        key(Qt::Key_Return);
+        QVERIFY(controller().studyTasks()[1].completedAt.has_value());
+        QCOMPARE(controller().completedTaskCount(), 1);
+        QTRY_COMPARE(all(QAccessible::Button, u"Reopen"_s).size(), 1);
+        key(Qt::Key_Space);
+        QCOMPARE(controller().completedTaskCount(), 0);
+    }
+
+    void theKeyboardStaysInTheListWhenARowGoes()
+    {
+        addTasks(2);
+        open(u"Plan"_s);
+        QTRY_COMPARE(all(QAccessible::Button, u"Delete"_s).size(), 2);
+        all(QAccessible::Button, u"Delete"_s).value(0)->forceActiveFocus(Qt::TabFocusReason);
+        key(Qt::Key_Return);
+        QCOMPARE(controller().studyTasks().size(), size_t(1));
+        key(Qt::Key_Return); // on the row that followed
+        QVERIFY(controller().studyTasks().front().completedAt.has_value());
+        key(Qt::Key_Tab);
+        key(Qt::Key_Return);
+        QVERIFY(controller().studyTasks().empty());
+    }
+};
+
+QTEST_MAIN(tst_sections)
+#include "tst_sections.moc"

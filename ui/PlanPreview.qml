@@ -1,0 +1,37 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Quorvel.Ui
+
+/// A quick way to put down the next step.
+Panel {
+    id: plan
+
+    required property QuorvelController controller
+
+    title: L10n.t("plan_title", controller.language)
+    subtitle: L10n.t("checklist_only", controller.language)
+
+    RowLayout {
+        Layout.fillWidth: true
+        spacing: 10
+
+        GlassField {
+            Layout.fillWidth: true
+            placeholder: L10n.t("next_task", plan.controller.language)
+            accessibleName: placeholder
+            draft: plan.controller.newStudyTaskText
+            onEdited: text => plan.controller.newStudyTaskText = text
+            onAccepted: plan.controller.addStudyTask()
+        }
+
+        GlassButton {
+            Layout.preferredWidth: AppTheme.controlHeight
+            horizontalPadding: 0
+            iconName: "plus"
+            Accessible.name: L10n.t("add_task", plan.controller.language)
+            onClicked: plan.controller.addStudyTask()
+        }
+    }
+}
