@@ -154,9 +154,8 @@ void AppDelegate::quit()
 void AppDelegate::openUrls(const QStringList &urls)
 {
     // Signing in through the browser ends in such an address; its text is a secret and is not logged.
-    const auto ours = quorvelUrls(urls);
-    if (!ours.isEmpty())
-        qCInfo(lcDelegate) << "addresses to open:" << ours.size();
+    for (const auto &url : quorvelUrls(urls))
+        m_controller.handleAuthCallback(url);
     showWindow();
 }
 

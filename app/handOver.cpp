@@ -1,5 +1,6 @@
 #include "handOver.h"
 
+#include "quorvelUrls.h"
 #include "socketPeer.h"
 
 #include <QDeadlineTimer>
@@ -14,6 +15,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -72,13 +74,18 @@ bool sendAll(int socket, const QByteArray &bytes, const QDeadlineTimer &deadline
     return true;
 }
 
+QByteArray listText(const QStringList &texts)
+{
+    return QJsonDocument(QJsonArray::fromStringList(texts)).toJson(QJsonDocument::Compact);
+}
+
 } // namespace
 
-std::optional<QByteArray> writeHandOver(const QStringList &arguments)
+QByteArray writeHandOver(const QStringList &arguments)
 {
-    const auto text = QJsonDocument(QJsonArray::fromStringList(arguments)).toJson(QJsonDocument::Compact);
+    auto text = listText(arguments);
     if (text.size() > longestHandOver)
-        return std::nullopt;
+        text = listText(quorvelUrls(arguments).isEmpty() ? QStringList() : QStringList{u"quorvel:"_s});
     QByteArray message(lengthBytes, Qt::Uninitialized);
     qToBigEndian(quint32(text.size()), message.data());
     return message + text;
@@ -112,11 +119,11 @@ bool handOver(const QByteArray &path, const QStringList &arguments, std::chrono:
     const QDeadlineTimer deadline(patience);
     const auto message = writeHandOver(arguments);
     const Socket socket;
-    if (!message || socket.number() < 0 || !connectTo(socket.number(), path))
+    if (socket.number() < 0 || !connectTo(socket.number(), path))
         return false;
     if (peerUser(socket.number()) != geteuid())
         return false;
-    if (!sendAll(socket.number(), *message, deadline) || !waitFor(socket.number(), POLLIN, deadline))
+    if (!sendAll(socket.number(), message, deadline) || !waitFor(socket.number(), POLLIN, deadline))
         return false;
     char answer = 0;
     return recv(socket.number(), &answer, 1, 0) == 1 && answer == handOverConfirmation;

@@ -4,7 +4,6 @@
 #include <QStringList>
 
 #include <chrono>
-#include <optional>
 
 /// How a second start tells the first one its arguments: the message's length as four bytes, the highest
 /// first, then the arguments as a JSON list of texts. The first answers with `handOverConfirmation` once its
@@ -12,8 +11,10 @@
 inline constexpr qint64 longestHandOver = 64 * 1024; ///< bytes, without the four of the length
 inline constexpr char handOverConfirmation = '+';
 
-/// The message of the arguments, its length in front; none where it would be longer than allowed.
-std::optional<QByteArray> writeHandOver(const QStringList &arguments);
+/// The message of the arguments, its length in front. Where it would be longer than allowed it is without
+/// them, but for a bare "quorvel:" where one of them was such an address: nothing that long is a sign-in, and
+/// the first start is to say that it failed.
+QByteArray writeHandOver(const QStringList &arguments);
 
 /// What the bytes that have come so far are.
 struct ReadHandOver

@@ -3,8 +3,10 @@
 #include "CompanionCoverage.h"
 #include "CompanionScripting.h"
 #include "CompanionServer.h"
+#include "DesktopUrlOpener.h"
 #include "FileCalls.h"
 #include "FolderRecordFiles.h"
+#include "NetworkBackendClient.h"
 #include "NoApplications.h"
 #include "NoIdle.h"
 #include "SystemClock.h"
@@ -14,6 +16,7 @@
 #include "X11Idle.h"
 #include "baseFolders.h"
 #include "hostManifests.h"
+#include "schemeHandler.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -75,7 +78,10 @@ PlatformAdapters choosePlatform(const QByteArray &folder)
     adapters.clock = std::make_unique<SystemClock>();
     adapters.preferences = std::make_unique<TextPreferences>(preferencesFolder());
     adapters.files = std::make_unique<FolderRecordFiles>(dataFolder());
+    adapters.backend = std::make_unique<NetworkBackendClient>(*adapters.preferences);
+    adapters.urls = std::make_unique<DesktopUrlOpener>();
     chooseBrowsers(adapters, folder);
     chooseDesktop(adapters);
+    registerSchemeHandler(FileCalls::system(), schemeHandlerPlaces(QCoreApplication::applicationFilePath()));
     return adapters;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BackendClient.h"
 #include "BrowserCoverage.h"
 #include "BrowserScripting.h"
 #include "Clock.h"
@@ -8,6 +9,7 @@
 #include "RecordFiles.h"
 #include "RunningApplications.h"
 #include "SystemIdle.h"
+#include "UrlOpener.h"
 
 #include <QByteArray>
 
@@ -24,8 +26,13 @@ struct PlatformAdapters
     std::unique_ptr<BrowserCoverageSource> coverage;
     std::unique_ptr<Preferences> preferences;
     std::unique_ptr<RecordFiles> files;
+    std::unique_ptr<BackendClient> backend; ///< reads the preferences, so it goes before them
+    std::unique_ptr<UrlOpener> urls;
 
-    ControllerPorts ports() const { return {*clock, *idle, *applications, *browsers, *preferences, *files}; }
+    ControllerPorts ports() const
+    {
+        return {*clock, *idle, *applications, *browsers, *preferences, *files, *backend, *urls};
+    }
 };
 
 /// The adapters that serve this desktop best. Where nothing serves a port, one takes its place that says so.

@@ -1,12 +1,14 @@
 // What a library of 100,000 cards costs: its file, an answer in the quiz, and a second of a session.
 
 #include "CardBank.h"
+#include "FakeBackendClient.h"
 #include "FakeBrowserScripting.h"
 #include "FakeClock.h"
 #include "FakePreferences.h"
 #include "FakeRecordFiles.h"
 #include "FakeRunningApplications.h"
 #include "FakeSystemIdle.h"
+#include "FakeUrlOpener.h"
 #include "FolderRecordFiles.h"
 #include "QuorvelController.h"
 #include "RecordStore.h"
@@ -168,6 +170,8 @@ struct Session
     FakeBrowserScripting browsers;
     FakePreferences preferences;
     FakeRecordFiles files;
+    FakeBackendClient backend;
+    FakeUrlOpener urls;
     std::unique_ptr<QuorvelController> controller;
 
     Session(const std::deque<StudyCard> &cards, qint64 proofs)
@@ -179,7 +183,7 @@ struct Session
         files.files[u"config.json"_s] = encodeConfig(settings);
         files.files[u"study-cards.json"_s] = encodeStudyCards(cards);
         controller = std::make_unique<QuorvelController>(
-            ControllerPorts{clock, idle, applications, browsers, preferences, files});
+            ControllerPorts{clock, idle, applications, browsers, preferences, files, backend, urls});
         controller->setCurrentStudyTopicText(aTopic());
         controller->startStudy();
         if (controller->mode() != QuorvelController::Mode::Studying)

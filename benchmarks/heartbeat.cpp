@@ -5,6 +5,8 @@
 
 #include "CompanionScripting.h"
 #include "CompanionServer.h"
+#include "FakeBackendClient.h"
+#include "FakeUrlOpener.h"
 #include "FolderRecordFiles.h"
 #include "QuorvelController.h"
 #include "Sleepers.h"
@@ -71,12 +73,14 @@ int main(int count, char **words)
     CompanionScripting browsers(server);
     TextPreferences preferences(folder.filePath(QStringLiteral("config")));
     FolderRecordFiles files(folder.filePath(QStringLiteral("data")));
+    FakeBackendClient backend;
+    FakeUrlOpener urls;
     auto settings = QuorvelConfig::defaults();
     settings.allowedStudyApps = {
         QStringLiteral("Unknown")}; // nothing is in front here, and the seconds shall count
     if (!files.write(QStringLiteral("config.json"), encodeConfig(settings)))
         return 1;
-    QuorvelController controller({clock, idle, applications, browsers, preferences, files});
+    QuorvelController controller({clock, idle, applications, browsers, preferences, files, backend, urls});
 
     const Sleepers sleepers(extraProcesses);
     controller.startStudy();

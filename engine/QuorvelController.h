@@ -2,6 +2,7 @@
 
 #include "AccessMode.h"
 #include "AppLanguage.h"
+#include "BackendAnswer.h"
 #include "Preferences.h"
 #include "QuorvelConfig.h"
 #include "RecordStore.h"
@@ -16,13 +17,17 @@
 #include <QTimer>
 
 #include <chrono>
+#include <functional>
 #include <unordered_map>
 #include <vector>
 
+class BackendClient;
 class BrowserScripting;
 class Clock;
 class RunningApplications;
 class SystemIdle;
+class UrlOpener;
+struct AIStudySuggestion;
 struct RunningApplication;
 
 /// What the controller needs of the world outside. Everything lives at least as long as the controller.
@@ -34,6 +39,8 @@ struct ControllerPorts
     BrowserScripting &browsers;
     Preferences &preferences;
     RecordFiles &files;
+    BackendClient &backend;
+    UrlOpener &urls;
 };
 
 /// Whether a second of study counts; the reason, in the user's language, is empty exactly when it does.
@@ -212,10 +219,27 @@ public:
 
     // Language and account (language.cpp, account.cpp)
     Q_INVOKABLE void setLanguage(AppLanguage language);
+    Q_INVOKABLE void requestEmailCode();
+    Q_INVOKABLE void verifyEmailCode();
+    /// Opens the sign-in page of "yandex", or for any other text that of Google, in the user's browser.
+    Q_INVOKABLE void openOAuth(const QString &provider);
+    /// Ends a sign-in through the browser. `url` as it came.
+    void handleAuthCallback(const QString &url);
     Q_INVOKABLE void continueAsGuest();
     Q_INVOKABLE void signOut();
     static AppLanguage loadLanguage(const Preferences &preferences);
     static AccessMode loadAccessMode(const Preferences &preferences);
+
+    // Coach (coach.cpp)
+    /// Asks the backend, or without an account the local pack; nothing while that is under way. What comes of
+    /// it is added later, from the event loop.
+    Q_INVOKABLE void generateAIPlanAndCards();
+    /// Adds the local pack at once, also while the backend is asked.
+    Q_INVOKABLE void addLocalCoachPack();
+    /// Adds every task and card that has a text, each in front of the one before, and saves both lists.
+    /// `source` names, for the user, where the suggestion comes from.
+    void applyAISuggestion(const AIStudySuggestion &suggestion, const QString &source);
+    QString aiSummaryText(const QString &source, const AIStudySuggestion &suggestion) const;
 
     /// One heartbeat: looks at the desktop, enforces blocking where it is on, and moves the clock of the
     /// mode.
@@ -291,6 +315,17 @@ private:
 
     void refreshLocalizedRuntimeText();
     void enterWithoutAccount(AccessMode mode, const QString &status);
+    /// Without a session token or an address, those of before stay.
+    void enterWithAccount(const std::optional<QString> &session, const std::optional<QString> &email);
+    /// `key` is that of the text in front of the error's own.
+    void tellFailedSignIn(QStringView key, const BackendError &error);
+    /// `then` for an answer that comes while the controller is there; the backend outlives it.
+    std::function<void(const BackendAnswer &)> whileHere(std::function<void(const BackendAnswer &)> then);
+
+    /// What the coach is to write about: as typed, also the spaces around it.
+    QString coachTopic() const;
+    void addLocalPackOfGuest(const QString &topic);
+    void applyCoachAnswer(const QString &topic, const BackendAnswer &answer);
     QString text(QStringView key) const;
     QString inBoth(const QString &english, const QString &russian) const;
 

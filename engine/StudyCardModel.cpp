@@ -49,6 +49,16 @@ void StudyCardModel::insertFront(const StudyCard &card)
     endInsertRows();
 }
 
+void StudyCardModel::insertAllFront(std::vector<StudyCard> cards)
+{
+    if (cards.empty())
+        return;
+    beginInsertRows({}, 0, int(cards.size()) - 1);
+    for (auto &card : cards)
+        m_bank.insertFront(std::move(card));
+    endInsertRows();
+}
+
 void StudyCardModel::removeAllOf(const QUuid &id)
 {
     while (const auto row = m_bank.rowOf(id)) {

@@ -28,6 +28,8 @@ public:
 
     void replaceAll(std::deque<StudyCard> cards);
     void insertFront(const StudyCard &card);
+    /// As insertFront() of each in turn, so that the last stands first; one insertion of rows.
+    void insertAllFront(std::vector<StudyCard> cards);
     void removeAllOf(const QUuid &id);
     /// Counts a judged answer on the card of a row.
     void judge(int row, bool correct, const QDateTime &now);

@@ -50,6 +50,16 @@ void StudyTaskModel::insertFront(const StudyTask &task)
     endInsertRows();
 }
 
+void StudyTaskModel::insertAllFront(std::vector<StudyTask> tasks)
+{
+    if (tasks.empty())
+        return;
+    beginInsertRows({}, 0, int(tasks.size()) - 1);
+    for (auto &task : tasks)
+        m_tasks.push_front(std::move(task));
+    endInsertRows();
+}
+
 void StudyTaskModel::replace(int row, const StudyTask &task)
 {
     m_tasks[size_t(row)] = task;

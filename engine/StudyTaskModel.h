@@ -5,6 +5,7 @@
 #include <QAbstractListModel>
 
 #include <deque>
+#include <vector>
 
 /// The study plan as a list for the interface, newest first. Every change names the rows it concerns.
 class StudyTaskModel : public QAbstractListModel
@@ -31,6 +32,8 @@ public:
 
     void replaceAll(std::deque<StudyTask> tasks);
     void insertFront(const StudyTask &task);
+    /// As insertFront() of each in turn, so that the last stands first; one insertion of rows.
+    void insertAllFront(std::vector<StudyTask> tasks);
     void replace(int row, const StudyTask &task);
     void removeAllOf(const QUuid &id);
     /// Removes every completed task; gives their number.

@@ -75,9 +75,67 @@ FocusScope {
                     contentSpacing: 14
                     Accessible.name: L10n.t("account", gate.controller.language)
 
-                    GlassButton {
+                    GlassField {
                         Layout.fillWidth: true
                         focus: true
+                        placeholder: L10n.t("email", gate.controller.language)
+                        accessibleName: placeholder
+                        draft: gate.controller.authEmailText
+                        onEdited: text => gate.controller.authEmailText = text
+                        onAccepted: gate.controller.requestEmailCode()
+                    }
+
+                    RowLayout {
+                        Layout.fillWidth: true
+                        spacing: 10
+
+                        GlassField {
+                            Layout.fillWidth: true
+                            placeholder: L10n.t("verification_code", gate.controller.language)
+                            accessibleName: placeholder
+                            draft: gate.controller.authCodeText
+                            onEdited: text => gate.controller.authCodeText = text
+                            onAccepted: gate.controller.verifyEmailCode()
+                        }
+
+                        GlassButton {
+                            text: L10n.t("send_code", gate.controller.language)
+                            onClicked: gate.controller.requestEmailCode()
+                        }
+                    }
+
+                    PrimaryButton {
+                        Layout.fillWidth: true
+                        iconName: "check-seal"
+                        text: L10n.t("verify_email", gate.controller.language)
+                        onClicked: gate.controller.verifyEmailCode()
+                    }
+
+                    Rule {}
+
+                    RowLayout {
+                        Layout.fillWidth: true
+                        spacing: 10
+
+                        GlassButton {
+                            Layout.fillWidth: true
+                            Layout.preferredWidth: 1
+                            iconName: "globe"
+                            text: L10n.t("google_sign_in", gate.controller.language)
+                            onClicked: gate.controller.openOAuth("google")
+                        }
+
+                        GlassButton {
+                            Layout.fillWidth: true
+                            Layout.preferredWidth: 1
+                            iconName: "network"
+                            text: L10n.t("yandex_sign_in", gate.controller.language)
+                            onClicked: gate.controller.openOAuth("yandex")
+                        }
+                    }
+
+                    GlassButton {
+                        Layout.fillWidth: true
                         iconName: "guest"
                         text: L10n.t("continue_guest", gate.controller.language)
                         onClicked: gate.controller.continueAsGuest()

@@ -84,6 +84,33 @@ private Q_SLOTS:
         QCOMPARE(first.line(), u"again quorvel://auth?code=1|два слова"_s);
     }
 
+    void whatIsTooLongIsHandedOverAsAnAddressThatFails_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("line");
+        const QString longText(100'000, u'x');
+        const QString address = u"quorvel://auth?session="_s;
+        QTest::newRow("one long address") << QStringList{address + longText} << u"again quorvel:"_s;
+        QTest::newRow("among others")
+            << QStringList{address + u'1', u"file"_s, longText} << u"again quorvel:"_s;
+        QTest::newRow("no address") << QStringList{longText} << u"again"_s;
+        QTest::newRow("ever so many") << QStringList(20'000, address) << u"again quorvel:"_s;
+        const QString control(2'000, QChar(1)); // six letters each in the message
+        QTest::newRow("control characters")
+            << QStringList{address + control} << u"again "_s + address + control;
+    }
+
+    void whatIsTooLongIsHandedOverAsAnAddressThatFails()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, line);
+        Start first(m_runtime->path());
+        QCOMPARE(first.line(), u"first"_s);
+        Start second(m_runtime->path(), arguments);
+        QCOMPARE(second.line(), u"handed over"_s);
+        QCOMPARE(first.line(), line);
+    }
+
     void simultaneousStartsLeaveOne()
     {
         std::vector<std::unique_ptr<Start>> starts;

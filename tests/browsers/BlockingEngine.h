@@ -16,7 +16,7 @@ public:
         m_harness.storeConfig(config);
         m_harness.controller = std::make_unique<QuorvelController>(
             ControllerPorts{m_harness.clock, m_harness.idle, m_harness.applications, browsers,
-                            m_harness.preferences, m_harness.files});
+                            m_harness.preferences, m_harness.files, m_harness.backend, m_harness.urls});
         m_harness.controller->lockNow(); // its own heartbeat is the first of five
     }
 

@@ -17,6 +17,7 @@ public:
 
     /// What browsers, and the relays that they start, get to see.
     const QProcessEnvironment &environment() const { return m_environment; }
+    void setVariable(const QString &name, const QString &value) { m_environment.insert(name, value); }
 
     /// A path in the stage's folder.
     QString path(const QString &name) const { return m_desktop.filePath(name); }

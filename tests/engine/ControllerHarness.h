@@ -1,11 +1,13 @@
 #pragma once
 
+#include "FakeBackendClient.h"
 #include "FakeBrowserScripting.h"
 #include "FakeClock.h"
 #include "FakePreferences.h"
 #include "FakeRecordFiles.h"
 #include "FakeRunningApplications.h"
 #include "FakeSystemIdle.h"
+#include "FakeUrlOpener.h"
 #include "QuorvelController.h"
 #include "jsonCodecs.h"
 
@@ -21,6 +23,8 @@ struct ControllerHarness
     FakeBrowserScripting browsers;
     FakePreferences preferences;
     FakeRecordFiles files;
+    FakeBackendClient backend;
+    FakeUrlOpener urls;
     qint32 studyApplication = applications.start(QStringLiteral("Anki"));
     std::unique_ptr<QuorvelController> controller;
 
@@ -62,7 +66,7 @@ struct ControllerHarness
     {
         controller.reset();
         controller = std::make_unique<QuorvelController>(
-            ControllerPorts{clock, idle, applications, browsers, preferences, files});
+            ControllerPorts{clock, idle, applications, browsers, preferences, files, backend, urls});
         return *controller;
     }
     QuorvelController &startWith(const QuorvelConfig &config)

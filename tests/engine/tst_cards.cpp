@@ -291,6 +291,32 @@ private Q_SLOTS:
         }));
     }
 
+    void manyCardsAtOnceStandAsIfPutInFrontOneByOne()
+    {
+        StudyCardModel oneByOne;
+        StudyCardModel atOnce;
+        const QAbstractItemModelTester tester(&atOnce);
+        const QSignalSpy inserted(&atOnce, &QAbstractItemModel::rowsInserted);
+        const auto old = ControllerHarness::card(u"old"_s, u"0"_s, u"Sums"_s);
+        std::vector<StudyCard> cards;
+        for (int number = 0; number < 5; ++number)
+            cards.push_back(ControllerHarness::card(QString::number(number), u"1"_s,
+                                                    number % 2 ? std::optional(u"sums"_s) : std::nullopt));
+        for (auto *model : {&oneByOne, &atOnce}) {
+            model->replaceAll({old});
+            QCOMPARE(model->bank().countOfTopic(u"SUMS"_s), 1); // from here on topics are counted
+        }
+        for (const auto &card : cards)
+            oneByOne.insertFront(card);
+        atOnce.insertAllFront(cards);
+        QCOMPARE(atOnce.bank().cards(), oneByOne.bank().cards());
+        QCOMPARE(prompts(atOnce.bank().cards()).join(u' '), u"4 3 2 1 0 old"_s);
+        QCOMPARE(atOnce.bank().countOfTopic(u"SUMS"_s), 3);
+        QCOMPARE(inserted, (QList<QVariantList>{{QModelIndex(), 0, 4}}));
+        atOnce.insertAllFront({});
+        QCOMPARE(inserted.size(), 1);
+    }
+
     void theListNamesTheRowsThatChange()
     {
         ControllerHarness harness;

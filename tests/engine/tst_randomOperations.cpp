@@ -86,6 +86,7 @@ private:
         [this] { saveSettings(); },
         [this] { m_random.bounded(5) == 0 ? controller().resetDefaultSettings() : saveSettings(); },
         [this] { controller().mergeDefaultBlocklists(); },
+        [this] { m_random.bounded(5) == 0 ? controller().addLocalCoachPack() : addTask(); },
         [this] { controller().startStudy(); },
         [this] { controller().startStudy(); },
         [this] { m_random.bounded(3) == 0 ? controller().stopQuorvel() : m_harness.seconds(3); },

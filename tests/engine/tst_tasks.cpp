@@ -232,6 +232,27 @@ private Q_SLOTS:
         QVERIFY(controller.recentEvents().isEmpty());
     }
 
+    void manyTasksAtOnceStandAsIfPutInFrontOneByOne()
+    {
+        StudyTaskModel oneByOne;
+        StudyTaskModel atOnce;
+        const QAbstractItemModelTester tester(&atOnce);
+        const QSignalSpy inserted(&atOnce, &QAbstractItemModel::rowsInserted);
+        std::vector<StudyTask> tasks(5);
+        for (auto &task : tasks)
+            task.id = QUuid::createUuid();
+        for (auto *model : {&oneByOne, &atOnce})
+            model->replaceAll({StudyTask()});
+        for (const auto &task : tasks)
+            oneByOne.insertFront(task);
+        atOnce.insertAllFront(tasks);
+        QCOMPARE(atOnce.tasks(), oneByOne.tasks());
+        QCOMPARE(atOnce.tasks().front().id, tasks.back().id);
+        QCOMPARE(inserted, (QList<QVariantList>{{QModelIndex(), 0, 4}}));
+        atOnce.insertAllFront({});
+        QCOMPARE(inserted.size(), 1);
+    }
+
     void theListNamesTheRowsThatChange()
     {
         ControllerHarness harness;

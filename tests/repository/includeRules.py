@@ -14,6 +14,7 @@ RULES = {
     "platform/linux/process": PORTS | {"platform/posix"},
     "platform/linux/x11": PORTS | {"platform/posix", "platform/linux/process"},
     "platform/linux/companion": PORTS | {"companion/channel", "platform/posix", "platform/linux/process"},
+    "platform/linux/desktop": PORTS | {"platform/posix", "platform/linux/process"},
     "platform/applescript": PORTS,
     "study": PORTS,
     "account": PORTS,

@@ -141,6 +141,38 @@ private Q_SLOTS:
         QCOMPARE(textOf(field(u"Card proofs"_s)), u"20"_s);
     }
 
+    void theSignInScreenCallsOneCommandForEachControl()
+    {
+        controller().signOut();
+        auto &calls = m_harness->backend.calls;
+        QVERIFY(field(u"Email"_s)->hasActiveFocus());
+        type(u"Ann@b.c"_s);
+        QCOMPARE(controller().authEmailText(), u"Ann@b.c"_s);
+        key(Qt::Key_Return);
+        fill(u"Verification code"_s, u"12 34"_s);
+        key(Qt::Key_Return);
+        for (const auto &name :
+             {u"Send Code"_s, u"Verify Email"_s, u"Continue with Google"_s, u"Continue with Yandex"_s}) {
+            auto *button = all(QAccessible::Button, name).value(0);
+            QVERIFY2(button, qPrintable(name));
+            button->forceActiveFocus(Qt::TabFocusReason);
+            key(Qt::Key_Space);
+        }
+        QStringList paths;
+        for (const auto &call : calls)
+            paths.append(call.path);
+        QCOMPARE(paths,
+                 QStringList({u"/auth/email/start"_s, u"/auth/email/verify"_s, u"/auth/email/start"_s,
+                              u"/auth/email/verify"_s, u"/auth/google/start"_s, u"/auth/yandex/start"_s}));
+        QCOMPARE(calls[3].body, (QJsonObject{{u"email"_s, u"ann@b.c"_s}, {u"code"_s, u"12 34"_s}}));
+        QCOMPARE(textOf(field(u"Verification code"_s)), u"12 34"_s);
+        QCOMPARE(all(QAccessible::StaticText, u"Opening browser..."_s).size(), 1);
+        controller().setLanguage(AppLanguage::Russian);
+        QVERIFY(field(u"Почта"_s) && field(u"Код подтверждения"_s));
+        m_harness->backend.answer(QJsonObject{{u"session"_s, u"t"_s}}, 3);
+        QVERIFY(!field(u"Почта"_s)); // the working layout is there
+    }
+
     void savingByKeyWorksInSettingsAlone()
     {
         controller().setStudyMinutesText(u"30"_s);

@@ -25,6 +25,11 @@ inline QString serverSessionToken()
 {
     return QStringLiteral("serverSessionToken");
 }
+/// Another address of the backend than the built-in one.
+inline QString backendBaseURL()
+{
+    return QStringLiteral("backendBaseURL");
+}
 /// Study seconds counted on the day of `dayKey`.
 inline QString studySeconds(const QString &dayKey)
 {
