@@ -16,6 +16,7 @@
 #include "measurement.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QTemporaryDir>
@@ -113,13 +114,17 @@ void measureSaving(const QString &folder, std::deque<StudyCard> cards, Figures &
 {
     FolderRecordFiles files(folder);
     RecordStore store(files);
-    const QDateTime now(QDate(2026, 11, 20), QTime(12, 0), Qt::UTC);
+    QDateTime now(QDate(2026, 11, 20), QTime(12, 0), Qt::UTC);
     const auto save = [&] {
         ++cards.front().correctCount; // what is saved has changed, as it always has
         if (!store.saveStudyCards(cards, now))
             qFatal("cards: they could not be saved");
     };
+    save();
+    now = now.addSecs(2 * 60 * 60);
     const auto first = timed(save);
+    if (QDir(folder + u"/backups"_s).isEmpty(QDir::Files))
+        qFatal("cards: there is no rolling copy");
     const auto [later, plain] =
         inTurn(fileRounds, save, [&] { writePlainly(folder + u"/plain"_s, encodeStudyCards(cards)); });
     figures.hold("save of 100,000 cards", later / plain, "their encoding and a plain write and sync",
