@@ -165,7 +165,7 @@ private Q_SLOTS:
         stopwatch.start();
         m_program->terminate();
         QVERIFY(m_program->waitForFinished(patience));
-        QVERIFY2(stopwatch.elapsed() < 5000, qPrintable(QString::number(stopwatch.elapsed())));
+        QVERIFY2(stopwatch.elapsed() < 1500, qPrintable(QString::number(stopwatch.elapsed())));
         QCOMPARE(m_program->exitStatus(), QProcess::NormalExit);
         QCOMPARE(m_program->exitCode(), 0);
     }

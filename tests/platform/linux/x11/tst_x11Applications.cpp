@@ -357,13 +357,13 @@ private Q_SLOTS:
         QElapsedTimer timer;
         timer.start();
         QVERIFY(!idle.sinceLastInput());
-        QVERIFY2(timer.elapsed() < 1000, "one wait, which is shorter than the second between two looks");
-        for (int second = 0; second < 50; ++second) {
+        QVERIFY2(timer.elapsed() < 400, "one wait");
+        for (int second = 0; second < 10; ++second) {
             QVERIFY(!idle.sinceLastInput());
             QVERIFY(!m_applications->frontmost());
             m_applications->running();
         }
-        QVERIFY2(timer.elapsed() < 5000, "no further one: fifty would take ten seconds");
+        QVERIFY2(timer.elapsed() < 600, "no further one");
         QVERIFY(!m_applications->availability().works);
         kill(pid_t(m_desktop->server().processId()), SIGCONT);
         TRY_VERIFY(idle.sinceLastInput());
