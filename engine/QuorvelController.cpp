@@ -66,6 +66,7 @@ void QuorvelController::bindDerivedFields()
     // First, so that what reads them reads no stale value.
     m_requiredProofsToUnlock.setBinding([this] { return m_config.value().requiredProofsToUnlock; });
     bindCardFields();
+    bindTaskFields();
     m_readinessIsShort.setBinding(
         [this, required] { return StatusTexts::lacksCards(required(), m_topicCardCount); });
 

@@ -5,6 +5,7 @@
 #include "BackendAnswer.h"
 #include "Preferences.h"
 #include "QuorvelConfig.h"
+#include "RecentEventModel.h"
 #include "RecordStore.h"
 #include "StudyCardModel.h"
 #include "StudyTaskModel.h"
@@ -84,7 +85,10 @@ public:
     QUORVEL_PUBLISHED(qint64, studyTasksRevision, StudyTasksRevision, 0) ///< grows with every change of studyTasks()
     QUORVEL_PUBLISHED(qint64, studyCardsRevision, StudyCardsRevision, 0) ///< grows with every change of studyCards()
     QUORVEL_PUBLISHED(qint64, topicCardCount, TopicCardCount, 0)         ///< cards that match the current topic
+    QUORVEL_PUBLISHED(qint64, studyCardCount, StudyCardCount, 0)
+    QUORVEL_PUBLISHED(qint64, studyTaskCount, StudyTaskCount, 0)
     QUORVEL_PUBLISHED(qint64, completedTaskCount, CompletedTaskCount, 0)
+    QUORVEL_PUBLISHED(QStringList, nextOpenTaskTitles, NextOpenTaskTitles, QStringList()) ///< in list order, three at most
     QUORVEL_PUBLISHED(qint64, requiredProofsToUnlock, RequiredProofsToUnlock, 0) ///< cards that a break needs; 0: none
     QUORVEL_PUBLISHED(bool, readinessIsShort, ReadinessIsShort, false)   ///< whether cards are missing for a session
     QUORVEL_PUBLISHED(qint64, currentSessionCardProofCount, CurrentSessionCardProofCount, 0) ///< distinct cards proven in this session
@@ -140,6 +144,10 @@ public:
     QUORVEL_PUBLISHED(QString, characterTitleText, CharacterTitleText, QString())
     QUORVEL_PUBLISHED(QString, avatarSymbol, AvatarSymbol, QString()) ///< name of the avatar's icon
     QUORVEL_PUBLISHED(QString, streakText, StreakText, QString())
+    QUORVEL_PUBLISHED(QString, bestStreakText, BestStreakText, QString())
+    QUORVEL_PUBLISHED(qint64, totalXP, TotalXP, 0)
+    QUORVEL_PUBLISHED(qint64, totalFocusSeconds, TotalFocusSeconds, 0) ///< counted seconds of all days
+    QUORVEL_PUBLISHED(qint64, totalCardProofs, TotalCardProofs, 0)
     // clang-format on
 
     // Optional values reach the interface as a value (empty where there is none) and a flag
@@ -152,6 +160,7 @@ public:
 
     Q_PROPERTY(StudyCardModel *studyCardModel READ studyCardModel CONSTANT)
     Q_PROPERTY(StudyTaskModel *studyTaskModel READ studyTaskModel CONSTANT)
+    Q_PROPERTY(RecentEventModel *recentEventModel READ recentEventModel CONSTANT)
 
 public:
     /// Loads everything that is stored, migrates the blocklists where they are older than the built-in ones
@@ -176,6 +185,7 @@ public:
 
     StudyCardModel *studyCardModel() { return &m_studyCards; }
     StudyTaskModel *studyTaskModel() { return &m_studyTasks; }
+    RecentEventModel *recentEventModel() { return &m_recentEventModel; }
 
     // Session commands (session.cpp)
     Q_INVOKABLE void startStudy();
@@ -272,6 +282,7 @@ Q_SIGNALS:
 private:
     void bindDerivedFields();
     void bindCardFields();
+    void bindTaskFields();
     void bindProgressFields();
     void loadStoredState();
 
@@ -326,6 +337,7 @@ private:
     QString coachTopic() const;
     void addLocalPackOfGuest(const QString &topic);
     void applyCoachAnswer(const QString &topic, const BackendAnswer &answer);
+    QString streakOf(qint64 days) const;
     QString text(QStringView key) const;
     QString inBoth(const QString &english, const QString &russian) const;
 
@@ -342,6 +354,7 @@ private:
     Q_OBJECT_BINDABLE_PROPERTY(Self, std::optional<QString>, m_signedInEmail, &Self::signedInEmailChanged)
     StudyCardModel m_studyCards;
     StudyTaskModel m_studyTasks;
+    RecentEventModel m_recentEventModel;
 
     QString m_currentDayKey; ///< the day that today's counters belong to
     std::unordered_map<qint32, std::chrono::nanoseconds>

@@ -74,18 +74,16 @@ void QuorvelController::bindCardFields()
         (void)m_studyCardsRevision.value();
         return m_studyCards.bank().countOfTopic(m_currentStudyTopicText);
     });
-    m_completedTaskCount.setBinding([this] {
-        (void)m_studyTasksRevision.value();
-        return qint64(completedStudyTasks().size());
-    });
     m_activeTopicDisplay.setBinding([this] {
         const auto topic = m_currentStudyTopicText.value().trimmed();
         return topic.isEmpty() ? text(u"all_topics_value") : topic;
     });
     m_cardProofText.setBinding(
         [this] { return StatusTexts::cardProof(m_requiredProofsToUnlock, m_language); });
-    m_cardBankText.setBinding([this] {
+    m_studyCardCount.setBinding([this] {
         (void)m_studyCardsRevision.value();
-        return StatusTexts::cardBank(qint64(studyCards().size()), m_topicCardCount, m_language);
+        return qint64(studyCards().size());
     });
+    m_cardBankText.setBinding(
+        [this] { return StatusTexts::cardBank(m_studyCardCount, m_topicCardCount, m_language); });
 }

@@ -10,9 +10,7 @@ constexpr qsizetype mostEvents = 8;
 
 void QuorvelController::addEvent(const QString &message)
 {
-    auto events = recentEvents();
-    events.prepend(eventTimeText(m_ports.clock.now().time(), QLocale::system()) + QChar::Space + message);
-    while (events.size() > mostEvents)
-        events.removeLast();
-    m_recentEvents = events;
+    m_recentEventModel.prepend(
+        eventTimeText(m_ports.clock.now().time(), QLocale::system()) + QChar::Space + message, mostEvents);
+    m_recentEvents = m_recentEventModel.lines();
 }

@@ -23,6 +23,11 @@ void QuorvelController::markCompletedStudyDay()
     m_userProgress = withCompletedStudyDay(userProgress(), m_ports.clock.now().date());
 }
 
+QString QuorvelController::streakOf(qint64 days) const
+{
+    return QString::number(days) + u" "_s + text(days == 1 ? u"day" : u"days");
+}
+
 void QuorvelController::bindProgressFields()
 {
     const auto progress = [this]() -> const UserProgress & { return m_userProgress.value(); };
@@ -36,10 +41,11 @@ void QuorvelController::bindProgressFields()
         return inBoth(title.english, title.russian);
     });
     m_avatarSymbol.setBinding([progress] { return characterTitleFor(progress().totalXP).avatarSymbol; });
-    m_streakText.setBinding([this, progress] {
-        const auto streak = progress().currentStreak;
-        return QString::number(streak) + u" "_s + text(streak == 1 ? u"day" : u"days");
-    });
+    m_streakText.setBinding([this, progress] { return streakOf(progress().currentStreak); });
+    m_bestStreakText.setBinding([this, progress] { return streakOf(progress().longestStreak); });
+    m_totalXP.setBinding([progress] { return progress().totalXP; });
+    m_totalFocusSeconds.setBinding([progress] { return progress().totalFocusSeconds; });
+    m_totalCardProofs.setBinding([progress] { return progress().totalCardProofs; });
     m_progressSummaryText.setBinding([this, progress] {
         const auto xp = QString::number(progress().totalXP);
         const auto focus = formatDuration(progress().totalFocusSeconds);

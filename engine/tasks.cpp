@@ -13,7 +13,39 @@ namespace {
 /// XP for a ticked task.
 constexpr qint64 taskXP = 3;
 
+/// Open tasks that the dashboard shows.
+constexpr qsizetype previewedTasks = 3;
+
+/// Titles of the first open tasks.
+QStringList openTitles(const std::deque<StudyTask> &tasks)
+{
+    QStringList titles;
+    for (const auto &task : tasks) {
+        if (titles.size() == previewedTasks)
+            break;
+        if (!task.completedAt)
+            titles.append(task.title);
+    }
+    return titles;
+}
+
 } // namespace
+
+void QuorvelController::bindTaskFields()
+{
+    m_studyTaskCount.setBinding([this] {
+        (void)m_studyTasksRevision.value();
+        return qint64(studyTasks().size());
+    });
+    m_completedTaskCount.setBinding([this] {
+        (void)m_studyTasksRevision.value();
+        return qint64(completedStudyTasks().size());
+    });
+    m_nextOpenTaskTitles.setBinding([this] {
+        (void)m_studyTasksRevision.value();
+        return openTitles(studyTasks());
+    });
+}
 
 void QuorvelController::addStudyTask()
 {

@@ -106,7 +106,7 @@ FocusScope {
 
                     PrimaryButton {
                         Layout.fillWidth: true
-                        iconName: "check-seal"
+                        iconName: "check-seal-filled"
                         text: L10n.t("verify_email", gate.controller.language)
                         onClicked: gate.controller.verifyEmailCode()
                     }

@@ -4,14 +4,11 @@ import QtQuick
 import QtQuick.Layouts
 import Quorvel.Ui
 
-/// The session: its clock and commands, what was reached, what is seen of the desktop, what happened, and what
-/// cannot be seen here.
+/// The session: its clock and commands, how to begin, what was reached, what is seen of the desktop, the card
+/// that is asked, and what comes next.
 SectionPage {
     id: page
 
-    required property DesktopSupport desktopSupport
-
-    readonly property bool narrow: room < AppTheme.narrowContent
     readonly property real planWidth: Math.max(300, Math.min(420, room * 0.34))
 
     section: ProductSection.Focus
@@ -26,9 +23,15 @@ SectionPage {
             narrow: page.narrow
         }
 
+        QuickStartPanel {
+            Layout.fillWidth: true
+            controller: page.controller
+            narrow: page.narrow
+        }
+
         GridLayout {
             Layout.fillWidth: true
-            columns: page.narrow ? 2 : 3
+            columns: page.narrow ? 2 : 4
             columnSpacing: AppTheme.tileGap
             rowSpacing: AppTheme.tileGap
 
@@ -67,29 +70,16 @@ SectionPage {
                 title: L10n.t("topic_cards", page.controller.language)
                 value: page.controller.topicCardCount
             }
+        }
 
-            MetricTile {
-                Layout.fillWidth: true
-                Layout.fillHeight: true
-                Layout.preferredWidth: 1
-                iconName: "sparkles"
-                title: page.controller.levelText
-                value: page.controller.xpText
-            }
-
-            MetricTile {
-                Layout.fillWidth: true
-                Layout.fillHeight: true
-                Layout.preferredWidth: 1
-                iconName: "flame"
-                title: L10n.t("streak", page.controller.language)
-                value: page.controller.streakText
-            }
+        CharacterPanel {
+            Layout.fillWidth: true
+            controller: page.controller
         }
 
         GridLayout {
             Layout.fillWidth: true
-            columns: page.narrow ? 2 : 3
+            columns: 3
             columnSpacing: AppTheme.tileGap
             rowSpacing: AppTheme.tileGap
 
@@ -115,7 +105,6 @@ SectionPage {
                 Layout.fillWidth: true
                 Layout.fillHeight: true
                 Layout.preferredWidth: 1
-                Layout.columnSpan: page.narrow ? 2 : 1
                 iconName: "blocked"
                 title: L10n.t("blocked_apps", page.controller.language)
                 value: page.controller.blockedAppSummaryText
@@ -141,17 +130,6 @@ SectionPage {
                 Layout.preferredWidth: page.narrow ? -1 : page.planWidth
                 controller: page.controller
             }
-        }
-
-        RecentEvents {
-            Layout.fillWidth: true
-            controller: page.controller
-        }
-
-        DesktopLimits {
-            Layout.fillWidth: true
-            controller: page.controller
-            desktopSupport: page.desktopSupport
         }
     }
 }

@@ -109,12 +109,4 @@ Panel {
         Layout.topMargin: 16
         controller: hero.controller
     }
-
-    StatusLine {
-        Layout.fillWidth: true
-        Layout.topMargin: 7
-        Layout.bottomMargin: -9
-        label: L10n.t("status_line", hero.controller.language)
-        value: hero.controller.statusMessage
-    }
 }

@@ -1,6 +1,6 @@
 #include "IconProvider.h"
 
-#include <QFile>
+#include <QHash>
 #include <QLoggingCategory>
 #include <QPainter>
 #include <QSvgRenderer>
@@ -14,13 +14,24 @@ namespace {
 /// Side of the grid on which the icons are drawn, in pixels.
 constexpr int iconGrid = 24;
 
+/// The file that shows a character's avatar symbol; any other name is that of a file already.
+QString fileOf(const QString &name)
+{
+    static const QHash<QString, QString> avatars{
+        {u"figure.walk"_s, u"walk"_s},         {u"bolt.fill"_s, u"bolt"_s},
+        {u"brain.head.profile"_s, u"brain"_s}, {u"shield.lefthalf.filled"_s, u"shield-half"_s},
+        {u"flame.fill"_s, u"flame-filled"_s},  {u"crown.fill"_s, u"crown"_s},
+    };
+    return avatars.value(name, name);
+}
+
 } // namespace
 
 QImage drawIcon(const QString &name, const QColor &color, int side)
 {
     QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
-    QSvgRenderer renderer(u":/quorvel/icons/"_s + name + u".svg"_s);
+    QSvgRenderer renderer(u":/quorvel/icons/"_s + fileOf(name) + u".svg"_s);
     if (!renderer.isValid()) {
         qCWarning(lcIcons) << "there is no icon" << name;
         return image;

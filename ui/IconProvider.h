@@ -2,7 +2,8 @@
 
 #include <QQuickImageProvider>
 
-/// The icons in any colour: "image://icons/<name>/<colour>", the colour as "rrggbb" or "aarrggbb". Drawn from
+/// The icons in any colour: "image://icons/<name>/<colour>", the colour as "rrggbb" or "aarrggbb", the
+/// name that of a file or of a character's avatar symbol ("bolt.fill"). Drawn from
 /// the vector files at the asked size; an unknown name gives a transparent picture.
 class IconProvider : public QQuickImageProvider
 {

@@ -4,7 +4,7 @@ import QtQuick
 import QtQuick.Layouts
 import Quorvel.Ui
 
-/// A quick way to put down the next step.
+/// A quick way to put down the next step, and the steps that are open.
 Panel {
     id: plan
 
@@ -32,6 +32,20 @@ Panel {
             iconName: "plus"
             Accessible.name: L10n.t("add_task", plan.controller.language)
             onClicked: plan.controller.addStudyTask()
+        }
+    }
+
+    Repeater {
+        model: plan.controller.nextOpenTaskTitles
+
+        NextTask {
+            required property int index
+            required property string modelData
+
+            Layout.fillWidth: true
+            Layout.topMargin: index === 0 ? 12 : 0
+            divided: index > 0
+            title: modelData
         }
     }
 }

@@ -22,10 +22,6 @@ inline constexpr std::array allProductSections{
     ProductSection::Focus, ProductSection::Progress, ProductSection::Coach,   ProductSection::Cards,
     ProductSection::Plan,  ProductSection::Rules,    ProductSection::Activity};
 
-/// The sections that can be opened so far.
-inline constexpr std::array openProductSections{ProductSection::Focus, ProductSection::Cards,
-                                                ProductSection::Plan, ProductSection::Rules};
-
 /// "focus", "progress" and so on: the section's identity as a text.
 QString rawValue(ProductSection section);
 

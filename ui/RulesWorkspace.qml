@@ -8,6 +8,8 @@ import Quorvel.Ui
 SectionPage {
     id: workspace
 
+    required property DesktopSupport desktopSupport
+
     section: ProductSection.Rules
 
     ColumnLayout {
@@ -46,6 +48,12 @@ SectionPage {
                 text: L10n.t("save_settings", workspace.controller.language)
                 onClicked: workspace.controller.saveSettings()
             }
+        }
+
+        DesktopSupportPanel {
+            Layout.fillWidth: true
+            controller: workspace.controller
+            desktopSupport: workspace.desktopSupport
         }
     }
 }

@@ -3,7 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quorvel.Ui
 
-/// The sections that can be opened. Scrolls by itself where the sidebar is too low for them.
+/// All sections. Scrolls by itself where the sidebar is too low for them.
 Flickable {
     id: list
 
@@ -28,7 +28,7 @@ Flickable {
         spacing: 6
 
         Repeater {
-            model: Sections.open
+            model: Sections.all
 
             SidebarButton {
                 required property int modelData

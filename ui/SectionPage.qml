@@ -13,6 +13,7 @@ PageScroller {
     /// The room between the margins. Blocks that stand otherwise in little room go by this: a layout of Qt 6.4
     /// misses a change that comes while it is being laid out.
     readonly property real room: width - 2 * AppTheme.pageMargin
+    readonly property bool narrow: room < AppTheme.narrowContent
     default property alias workspace: column.data
 
     focus: true

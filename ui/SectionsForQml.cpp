@@ -1,9 +1,9 @@
 #include "SectionsForQml.h"
 
-QList<int> SectionsForQml::open() const
+QList<int> SectionsForQml::all() const
 {
     QList<int> numbers;
-    for (const auto section : openProductSections)
+    for (const auto section : allProductSections)
         numbers.append(int(section));
     return numbers;
 }

@@ -12,13 +12,13 @@ class SectionsForQml : public QObject
     Q_OBJECT
     QML_NAMED_ELEMENT(Sections)
     QML_SINGLETON
-    Q_PROPERTY(QList<int> open READ open CONSTANT FINAL)
+    Q_PROPERTY(QList<int> all READ all CONSTANT FINAL)
 
 public:
     using QObject::QObject;
 
-    /// The sections that can be opened so far, in the order of the sidebar, each as its number.
-    QList<int> open() const;
+    /// All sections in the order of the sidebar, each as its number.
+    QList<int> all() const;
 
     Q_INVOKABLE QString title(int section, AppLanguageEnum::AppLanguage language) const;
     Q_INVOKABLE QString subtitle(int section, AppLanguageEnum::AppLanguage language) const;

@@ -32,7 +32,7 @@ Item {
         Icon {
             Layout.alignment: Qt.AlignTop
             name: chip.iconName
-            color: Qt.rgba(1, 1, 1, 0.81)
+            color: AppTheme.quietIcon
         }
 
         ColumnLayout {

@@ -27,12 +27,18 @@ FocusScope {
     Loader {
         readonly property url page: {
             switch (layout.selection) {
+            case ProductSection.Progress:
+                return "ProgressWorkspace.qml";
+            case ProductSection.Coach:
+                return "CoachWorkspace.qml";
             case ProductSection.Cards:
                 return "CardsWorkspace.qml";
             case ProductSection.Plan:
                 return "PlanWorkspace.qml";
             case ProductSection.Rules:
                 return "RulesWorkspace.qml";
+            case ProductSection.Activity:
+                return "ActivityWorkspace.qml";
             default:
                 return "FocusDashboard.qml";
             }
@@ -46,7 +52,7 @@ FocusScope {
         // By address: a Loader of Qt 6.4 cannot make a component that is bound to its file.
         onPageChanged: {
             const given = {"controller": layout.controller, "width": width, "height": height};
-            if (layout.selection === ProductSection.Focus)
+            if (layout.selection === ProductSection.Rules)
                 given["desktopSupport"] = layout.desktopSupport;
             setSource(page, given);
         }
@@ -60,7 +66,7 @@ FocusScope {
 
     Shortcut {
         sequence: "Ctrl+S"
-        enabled: layout.enabled && layout.controller.canStartStudy
+        enabled: layout.enabled && layout.selection === ProductSection.Focus && layout.controller.canStartStudy
         onActivated: layout.controller.startStudy()
     }
 

@@ -135,3 +135,10 @@ struct StudyTaskModelForQml
     QML_FOREIGN(StudyTaskModel)
     QML_ANONYMOUS
 };
+
+struct RecentEventModelForQml
+{
+    Q_GADGET
+    QML_FOREIGN(RecentEventModel)
+    QML_ANONYMOUS
+};

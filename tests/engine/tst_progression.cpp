@@ -102,11 +102,37 @@ private Q_SLOTS:
         ControllerHarness harness;
         UserProgress progress;
         progress.currentStreak = streak;
+        progress.longestStreak = 7;
         harness.storeProgress(progress);
         auto &controller = harness.start();
         QTEST(controller.streakText(), "inEnglish");
         controller.setLanguage(AppLanguage::Russian);
         QTEST(controller.streakText(), "inRussian");
+        QCOMPARE(controller.bestStreakText(), u"7 дней"_s);
+    }
+
+    void totalsFollow()
+    {
+        ControllerHarness harness;
+        UserProgress progress;
+        progress.totalXP = 250;
+        progress.totalFocusSeconds = 3725;
+        progress.totalCardProofs = 4;
+        progress.longestStreak = 1;
+        harness.storeProgress(progress);
+        auto &controller = harness.startWith(ControllerHarness::config(25, 45, 1));
+        QCOMPARE(controller.totalXP(), 250);
+        QCOMPARE(controller.totalFocusSeconds(), 3725);
+        QCOMPARE(controller.totalCardProofs(), 4);
+        QCOMPARE(controller.bestStreakText(), u"1 day"_s);
+        harness.addCard(u"1+1?"_s, u"2"_s);
+        QCOMPARE(controller.studyCardCount(), 1);
+        controller.startStudy();
+        harness.seconds(2);
+        QCOMPARE(controller.totalFocusSeconds(), 3728); // the start counts one too
+        harness.answerRightly();
+        QCOMPARE(controller.totalCardProofs(), 5);
+        QCOMPARE(controller.totalXP(), 260);
     }
 
     void summaryInBothLanguages()

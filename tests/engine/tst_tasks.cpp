@@ -57,6 +57,23 @@ private Q_SLOTS:
         QVERIFY(harness.files.steps.empty());
     }
 
+    void theFirstOpenTasksAreTheNext()
+    {
+        ControllerHarness harness;
+        auto &controller = harness.start();
+        QCOMPARE(controller.studyTaskCount(), 0);
+        for (const auto &title : {u"e"_s, u"d"_s, u"c"_s, u"b"_s, u"a"_s})
+            addTask(controller, title);
+        QCOMPARE(controller.studyTaskCount(), 5);
+        QCOMPARE(controller.nextOpenTaskTitles(), QStringList({u"a"_s, u"b"_s, u"c"_s}));
+        controller.completeStudyTask(controller.studyTasks()[1]);
+        QCOMPARE(controller.nextOpenTaskTitles(), QStringList({u"a"_s, u"c"_s, u"d"_s}));
+        controller.deleteStudyTask(controller.studyTasks()[0]);
+        controller.deleteStudyTask(controller.studyTasks()[1]);
+        QCOMPARE(controller.nextOpenTaskTitles(), QStringList({u"d"_s, u"e"_s}));
+        QCOMPARE(controller.studyTaskCount(), 3);
+    }
+
     void sameTitlesAreTwoTasks()
     {
         ControllerHarness harness;

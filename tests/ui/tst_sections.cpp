@@ -5,6 +5,7 @@
 #include "setUpInterface.h"
 
 #include <QAccessible>
+#include <QPointer>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
@@ -176,7 +177,8 @@ private Q_SLOTS:
     void savingByKeyWorksInSettingsAlone()
     {
         controller().setStudyMinutesText(u"30"_s);
-        for (const auto &section : {u"Focus"_s, u"Cards"_s, u"Plan"_s}) {
+        for (const auto &section :
+             {u"Focus"_s, u"Progress"_s, u"AI Coach"_s, u"Cards"_s, u"Plan"_s, u"Activity"_s}) {
             open(section);
             key(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
             QCOMPARE(controller().config().studyMinutes, 25);
@@ -190,6 +192,94 @@ private Q_SLOTS:
         QCOMPARE(all(QAccessible::Button, u"Save Settings"_s).size(), 2);
         key(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
         QCOMPARE(controller().config().studyMinutes, 30);
+    }
+
+    void startingByKeyWorksOnTheDashboardAloneWhileItCan()
+    {
+        const auto ctrlS = [this] { key(Qt::Key_S, Qt::ControlModifier); };
+        for (const auto &section :
+             {u"Progress"_s, u"AI Coach"_s, u"Cards"_s, u"Plan"_s, u"Settings"_s, u"Activity"_s}) {
+            open(section);
+            ctrlS();
+            QCOMPARE(controller().mode(), QuorvelController::Mode::Ready);
+            key(Qt::Key_L, Qt::ControlModifier);
+            QCOMPARE(controller().mode(), QuorvelController::Mode::Locked);
+            controller().stopQuorvel();
+        }
+        controller().setRequiredProofsText(u"1"_s);
+        controller().saveSettings();
+        open(u"Focus"_s);
+        ctrlS();
+        QCOMPARE(controller().mode(), QuorvelController::Mode::Ready);
+        controller().setRequiredProofsText(u"0"_s);
+        controller().saveSettings();
+        controller().signOut();
+        ctrlS();
+        key(Qt::Key_L, Qt::ControlModifier);
+        QCOMPARE(controller().mode(), QuorvelController::Mode::Ready);
+        controller().continueAsGuest();
+        ctrlS();
+        QCOMPARE(controller().mode(), QuorvelController::Mode::Studying);
+    }
+
+    void aSelectedEventStaysSelectedWhenOthersCome()
+    {
+        controller().addEvent(u"one"_s);
+        open(u"Activity"_s);
+        auto *line = all(QAccessible::StaticText, controller().recentEvents().front()).value(0);
+        QVERIFY(line);
+        QVERIFY(QMetaObject::invokeMethod(line, "selectAll"));
+        const auto selected = line->property("selectedText").toString();
+        QVERIFY(selected.endsWith(u"one"_s));
+        for (int event = 0; event < 7; ++event) {
+            controller().addEvent(u"more"_s);
+            QCOMPARE(line->property("selectedText").toString(), selected);
+        }
+        QPointer<QQuickItem> watched = line;
+        controller().addEvent(u"the ninth"_s);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!watched);
+        QCOMPARE(controller().recentEventModel()->rowCount(), 8);
+        QCOMPARE(controller().recentEventModel()->lines(), controller().recentEvents());
+    }
+
+    void theCoachsWordsCanBeSelected()
+    {
+        open(u"AI Coach"_s);
+        fill(u"Topic or goal, e.g. math derivatives for tomorrow exam"_s, u"Latin"_s);
+        auto *button = all(QAccessible::Button, u"Local Pack"_s).value(0);
+        QVERIFY(button);
+        button->forceActiveFocus(Qt::TabFocusReason);
+        key(Qt::Key_Space);
+        QVERIFY(controller().studyTaskCount() > 0);
+        auto *words = all(QAccessible::StaticText, controller().aiOutputText()).value(0);
+        QVERIFY(words);
+        words->forceActiveFocus(Qt::TabFocusReason);
+        key(Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(words->property("selectedText").toString().replace(QChar::ParagraphSeparator, u'\n'),
+                 controller().aiOutputText());
+    }
+
+    void linesOfAnEditorStandOnTheirGrid()
+    {
+        controller().setProModeEnabled(true);
+        controller().setBlockedAppsText(u"a\nb\nc"_s);
+        open(u"Settings"_s);
+        auto *editor = field(u"Blocked apps"_s);
+        QVERIFY(editor);
+        const auto contentHeight = [editor] { return editor->property("contentHeight").toReal(); };
+        QCOMPARE(contentHeight(), 66.0);
+        editor->forceActiveFocus(Qt::TabFocusReason);
+        key(Qt::Key_End, Qt::ControlModifier);
+        key(Qt::Key_Return);
+        QCOMPARE(contentHeight(), 88.0);
+        key(Qt::Key_A, Qt::ControlModifier);
+        type(u"x"_s);
+        QCOMPARE(contentHeight(), 22.0);
+        key(Qt::Key_Z, Qt::ControlModifier); // brings the text back, and nothing else
+        QCOMPARE(controller().blockedAppsText(), u"a\nb\nc\n"_s);
+        controller().setBlockedAppsText(u"d\ne"_s);
+        QCOMPARE(contentHeight(), 44.0);
     }
 
     void proModeShowsTheEditors()

@@ -27,6 +27,7 @@ QtObject {
     readonly property color tileFill: Qt.rgba(1, 1, 1, 0.04)
     readonly property color placeholder: Qt.rgba(1, 1, 1, 0.55)
     readonly property color selection: Qt.rgba(0.63, 0.33, 1, 0.6)
+    readonly property color quietIcon: Qt.rgba(1, 1, 1, 0.81)
     readonly property color hairline: Qt.rgba(1, 1, 1, 0.063)
 
     readonly property int pageMargin: 30
@@ -39,6 +40,7 @@ QtObject {
     readonly property int iconGap: 8
     readonly property int labelGap: 6
     readonly property int rowGap: 10
+    readonly property int statusGap: 9 ///< between a status line and its hairline
     readonly property int controlHeight: 40
     readonly property int sidebarWidth: 276
     readonly property int narrowContent: 760 ///< below this width tiles stand two by two

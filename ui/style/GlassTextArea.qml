@@ -69,6 +69,11 @@ FocusScope {
             font.pixelSize: 14
             font.letterSpacing: -0.1
 
+            LineGrid {
+                document: input.textDocument
+                line: 22
+            }
+
             Accessible.name: area.accessibleName
             Keys.priority: Keys.BeforeItem
             Keys.onTabPressed: area.leave(true)
