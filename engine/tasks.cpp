@@ -1,6 +1,7 @@
 // The study plan: a checklist of next steps.
 #include "Clock.h"
 #include "QuorvelController.h"
+#include "commandLog.h"
 #include "recordTime.h"
 
 #include <algorithm>
@@ -17,6 +18,7 @@ constexpr qint64 taskXP = 3;
 
 void QuorvelController::addStudyTask()
 {
+    qCDebug(logCommand, "addStudyTask");
     const auto title = m_newStudyTaskText.value().trimmed();
     if (title.isEmpty())
         return;
@@ -33,6 +35,7 @@ void QuorvelController::addStudyTask()
 
 void QuorvelController::completeStudyTask(const StudyTask &task)
 {
+    qCDebug(logCommand, "completeStudyTask");
     const auto row = m_studyTasks.rowOf(task.id);
     if (!row)
         return;
@@ -48,6 +51,7 @@ void QuorvelController::completeStudyTask(const StudyTask &task)
 
 void QuorvelController::reopenStudyTask(const StudyTask &task)
 {
+    qCDebug(logCommand, "reopenStudyTask");
     const auto row = m_studyTasks.rowOf(task.id);
     if (!row)
         return;
@@ -62,6 +66,7 @@ void QuorvelController::reopenStudyTask(const StudyTask &task)
 
 void QuorvelController::clearCompletedTasks()
 {
+    qCDebug(logCommand, "clearCompletedTasks");
     const auto removed = m_studyTasks.removeCompleted();
     noteTasksChanged();
     saveStudyTasks();
@@ -70,6 +75,7 @@ void QuorvelController::clearCompletedTasks()
 
 void QuorvelController::deleteStudyTask(const StudyTask &task)
 {
+    qCDebug(logCommand, "deleteStudyTask");
     const auto id = task.id; // the task may live in the list that shrinks
     m_studyTasks.removeAllOf(id);
     noteTasksChanged();
