@@ -53,7 +53,7 @@ void QuorvelController::loadStoredState()
     m_studyCards.replaceAll(m_records.loadStudyCards());
     m_userProgress = m_records.loadUserProgress();
 
-    selectNextStudyCard(false);
+    askNextStudyCard(false);
     syncDraftsFromConfig();
     loadTodayStats();
     m_studyRemaining = checkedSeconds(config().studyMinutes, "study minutes");

@@ -309,6 +309,7 @@ private:
     void saveTodayStats(Durability durability);
 
     void noteCardsChanged();
+    void askNextStudyCard(bool log);
     void judgeActiveCard(int row, const QString &answer);
     void addQuizProof(const StudyCard &card);
     void countQuizProof(const StudyCard &card);

@@ -3,6 +3,7 @@
 #include "BackendClient.h"
 #include "QuorvelController.h"
 #include "UrlOpener.h"
+#include "commandLog.h"
 #include "controlCharacters.h"
 #include "emailAddress.h"
 #include "preferenceKeys.h"
@@ -47,11 +48,13 @@ AccessMode QuorvelController::loadAccessMode(const Preferences &preferences)
 
 void QuorvelController::continueAsGuest()
 {
+    qCDebug(logCommand, "continueAsGuest");
     enterWithoutAccount(AccessMode::Guest, text(u"guest_active"));
 }
 
 void QuorvelController::signOut()
 {
+    qCDebug(logCommand, "signOut");
     enterWithoutAccount(AccessMode::None, text(u"auth_required_body"));
 }
 
@@ -68,6 +71,7 @@ void QuorvelController::enterWithoutAccount(AccessMode mode, const QString &stat
 
 void QuorvelController::requestEmailCode()
 {
+    qCDebug(logCommand, "requestEmailCode");
     const auto email = normalizedEmail(m_authEmailText);
     if (!looksLikeEmail(email)) {
         m_authStatusText = text(u"invalid_email");
@@ -85,6 +89,7 @@ void QuorvelController::requestEmailCode()
 
 void QuorvelController::verifyEmailCode()
 {
+    qCDebug(logCommand, "verifyEmailCode");
     const auto email = normalizedEmail(m_authEmailText);
     const auto code = m_authCodeText.value().trimmed();
     if (email.isEmpty() || code.isEmpty()) {
@@ -103,7 +108,9 @@ void QuorvelController::verifyEmailCode()
 
 void QuorvelController::openOAuth(const QString &provider)
 {
-    const auto path = provider == u"yandex" ? u"/auth/yandex/start"_s : u"/auth/google/start"_s;
+    const bool isYandex = provider == u"yandex";
+    qCDebug(logCommand, "openOAuth(%s)", isYandex ? "yandex" : "google");
+    const auto path = isYandex ? u"/auth/yandex/start"_s : u"/auth/google/start"_s;
     m_authStatusText = text(u"opening_browser");
     m_ports.backend.getJSON(path, whileHere([this](const auto &answer) {
                                 if (const auto *error = std::get_if<BackendError>(&answer))
@@ -117,6 +124,7 @@ void QuorvelController::openOAuth(const QString &provider)
 
 void QuorvelController::handleAuthCallback(const QString &url)
 {
+    qCDebug(logCommand, "handleAuthCallback");
     const auto callback = readAuthCallback(url);
     if (!callback) {
         m_authStatusText = text(u"auth_failed");

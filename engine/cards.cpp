@@ -1,6 +1,7 @@
 // The card bank: adding, deleting, and which cards the current topic means.
 #include "Clock.h"
 #include "QuorvelController.h"
+#include "commandLog.h"
 #include "normalizeStudyAnswer.h"
 #include "recordTime.h"
 #include "statusTexts.h"
@@ -9,6 +10,7 @@ using namespace Qt::StringLiterals;
 
 void QuorvelController::addStudyCard()
 {
+    qCDebug(logCommand, "addStudyCard");
     const auto prompt = m_newCardPromptText.value().trimmed();
     const auto answer = m_newCardAnswerText.value().trimmed();
     auto topic = m_newCardTopicText.value().trimmed();
@@ -40,13 +42,14 @@ void QuorvelController::addStudyCard()
 
 void QuorvelController::deleteStudyCard(const StudyCard &card)
 {
+    qCDebug(logCommand, "deleteStudyCard");
     const auto id = card.id; // the card may live in the list that shrinks
     m_studyCards.removeAllOf(id);
     noteCardsChanged();
     saveStudyCards();
     if (activeStudyCard() && activeStudyCard()->id == id) {
         m_activeStudyCard = std::nullopt;
-        selectNextStudyCard(false);
+        askNextStudyCard(false);
     }
     addEvent(u"Card deleted."_s);
 }

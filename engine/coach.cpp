@@ -3,6 +3,7 @@
 #include "BackendClient.h"
 #include "Clock.h"
 #include "QuorvelController.h"
+#include "commandLog.h"
 #include "recordTime.h"
 
 using namespace Qt::StringLiterals;
@@ -62,6 +63,7 @@ QString QuorvelController::coachTopic() const
 
 void QuorvelController::generateAIPlanAndCards()
 {
+    qCDebug(logCommand, "generateAIPlanAndCards");
     if (m_isAICoachRunning)
         return;
     m_isAICoachRunning = true;
@@ -102,6 +104,7 @@ void QuorvelController::applyCoachAnswer(const QString &topic, const BackendAnsw
 
 void QuorvelController::addLocalCoachPack()
 {
+    qCDebug(logCommand, "addLocalCoachPack");
     applyAISuggestion(AIStudySuggestion::fallback(coachTopic(), m_language), text(u"local_coach_source"));
 }
 
@@ -114,7 +117,7 @@ void QuorvelController::applyAISuggestion(const AIStudySuggestion &suggestion, c
     noteCardsChanged();
     saveStudyTasks();
     saveStudyCards();
-    selectNextStudyCard(false);
+    askNextStudyCard(false);
     m_aiOutputText = aiSummaryText(source, suggestion);
     addEvent(source + u" added "_s + QString::number(suggestion.tasks.size()) + u" tasks and "_s +
              QString::number(suggestion.cards.size()) + u" cards."_s);

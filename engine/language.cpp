@@ -1,5 +1,6 @@
 // Switching the interface language.
 #include "QuorvelController.h"
+#include "commandLog.h"
 #include "preferenceKeys.h"
 
 using namespace Qt::StringLiterals;
@@ -12,6 +13,7 @@ AppLanguage QuorvelController::loadLanguage(const Preferences &preferences)
 
 void QuorvelController::setLanguage(AppLanguage language)
 {
+    qCDebug(logCommand, "setLanguage(%s)", qPrintable(rawValue(language)));
     m_language = language;
     m_ports.preferences.setValue(PreferenceKeys::language(), rawValue(language), Durability::AtOnce);
     refreshLocalizedRuntimeText();

@@ -2,6 +2,7 @@
 #include "Clock.h"
 #include "QuorvelController.h"
 #include "checkedArithmetic.h"
+#include "commandLog.h"
 #include "recordTime.h"
 
 using namespace Qt::StringLiterals;
@@ -14,6 +15,12 @@ constexpr qint64 proofXP = 10;
 } // namespace
 
 void QuorvelController::selectNextStudyCard(bool log)
+{
+    qCDebug(logCommand, "selectNextStudyCard(%s)", log ? "true" : "false");
+    askNextStudyCard(log);
+}
+
+void QuorvelController::askNextStudyCard(bool log)
 {
     const auto row = m_studyCards.bank().weakestRow(m_currentStudyTopicText, m_currentSessionProofCardIDs);
     if (!row) {
@@ -36,6 +43,7 @@ void QuorvelController::selectNextStudyCard(bool log)
 
 void QuorvelController::submitQuizAnswer()
 {
+    qCDebug(logCommand, "submitQuizAnswer");
     if (!activeStudyCard()) {
         m_quizFeedback = text(u"add_card_first");
         return;
@@ -48,7 +56,7 @@ void QuorvelController::submitQuizAnswer()
     const auto row = m_studyCards.bank().rowOf(activeStudyCard()->id);
     if (!row) {
         m_activeStudyCard = std::nullopt;
-        selectNextStudyCard(false);
+        askNextStudyCard(false);
         return;
     }
     judgeActiveCard(*row, answer);
@@ -71,11 +79,12 @@ void QuorvelController::judgeActiveCard(int row, const QString &answer)
     m_quizAnswerText = QString();
     m_quizRevealedAnswer = std::nullopt;
     addQuizProof(card);
-    selectNextStudyCard(false);
+    askNextStudyCard(false);
 }
 
 void QuorvelController::revealQuizAnswer()
 {
+    qCDebug(logCommand, "revealQuizAnswer");
     if (!activeStudyCard()) {
         m_quizFeedback = text(u"no_card_selected");
         return;

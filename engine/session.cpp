@@ -3,6 +3,7 @@
 #include "Clock.h"
 #include "QuorvelController.h"
 #include "checkedArithmetic.h"
+#include "commandLog.h"
 #include "statusTexts.h"
 
 #include <algorithm>
@@ -24,6 +25,7 @@ constexpr qint64 secondsPerXP = 60;
 
 void QuorvelController::startStudy()
 {
+    qCDebug(logCommand, "startStudy");
     if (!m_canStartStudy) {
         m_statusMessage = m_startReadinessText.value();
         addEvent(u"Study start blocked: "_s + m_startReadinessText);
@@ -37,7 +39,7 @@ void QuorvelController::startStudy()
     m_focusSecondsSinceXPAward = 0;
     m_mode = Mode::Studying;
     if (!activeStudyCard())
-        selectNextStudyCard(false);
+        askNextStudyCard(false);
     addEvent(u"Study session started."_s);
     m_statusMessage = m_studyStartMessage.value();
     tick();
@@ -45,11 +47,13 @@ void QuorvelController::startStudy()
 
 void QuorvelController::lockNow()
 {
+    qCDebug(logCommand, "lockNow");
     leaveClocks(Mode::Locked, u"Locked manually."_s, text(u"locked_status"));
 }
 
 void QuorvelController::stopQuorvel()
 {
+    qCDebug(logCommand, "stopQuorvel");
     leaveClocks(Mode::Ready, u"Quorvel stopped. Blocking is off."_s, text(u"ready_status"));
 }
 
@@ -66,6 +70,7 @@ void QuorvelController::leaveClocks(Mode mode, const QString &event, const QStri
 
 void QuorvelController::unlockManualBreak(qint64 minutes)
 {
+    qCDebug(logCommand, "unlockManualBreak(%lld)", minutes);
     m_mode = Mode::BreakTime;
     m_breakRemaining = std::max(checkedSeconds(minutes, "break minutes"), shortestClock);
     m_studyRemaining = checkedSeconds(config().studyMinutes, "study minutes");

@@ -2,6 +2,7 @@
 #include "Clock.h"
 #include "QuorvelController.h"
 #include "checkedArithmetic.h"
+#include "commandLog.h"
 #include "preferenceKeys.h"
 #include "settingsDrafts.h"
 
@@ -17,6 +18,7 @@ void QuorvelController::migrateBlocklistsIfNeeded()
 
 void QuorvelController::saveSettings()
 {
+    qCDebug(logCommand, "saveSettings");
     m_config = configFrom({.studyMinutesText = m_studyMinutesText,
                            .breakMinutesText = m_breakMinutesText,
                            .maxIdleSecondsText = m_maxIdleSecondsText,
@@ -34,6 +36,7 @@ void QuorvelController::saveSettings()
 
 void QuorvelController::resetDefaultSettings()
 {
+    qCDebug(logCommand, "resetDefaultSettings");
     m_config = QuorvelConfig::defaults();
     saveConfig();
     syncDraftsFromConfig();
@@ -50,6 +53,7 @@ void QuorvelController::followChangedSettings()
 
 void QuorvelController::mergeDefaultBlocklists()
 {
+    qCDebug(logCommand, "mergeDefaultBlocklists");
     m_config = withBuiltInBlocklists(config());
     saveConfig();
     syncDraftsFromConfig();
@@ -58,6 +62,7 @@ void QuorvelController::mergeDefaultBlocklists()
 
 void QuorvelController::setProModeEnabled(bool enabled)
 {
+    qCDebug(logCommand, "setProModeEnabled(%s)", enabled ? "true" : "false");
     m_proModeEnabled = enabled;
     m_ports.preferences.setValue(PreferenceKeys::proModeEnabled(), enabled, Durability::AtOnce);
     addEvent(enabled ? u"Pro mode enabled."_s : u"Pro mode disabled."_s);

@@ -1,6 +1,7 @@
 // The study plan: a checklist of next steps.
 #include "Clock.h"
 #include "QuorvelController.h"
+#include "commandLog.h"
 #include "recordTime.h"
 
 #include <algorithm>
@@ -49,6 +50,7 @@ void QuorvelController::bindTaskFields()
 
 void QuorvelController::addStudyTask()
 {
+    qCDebug(logCommand, "addStudyTask");
     const auto title = m_newStudyTaskText.value().trimmed();
     if (title.isEmpty())
         return;
@@ -65,6 +67,7 @@ void QuorvelController::addStudyTask()
 
 void QuorvelController::completeStudyTask(const StudyTask &task)
 {
+    qCDebug(logCommand, "completeStudyTask");
     const auto row = m_studyTasks.rowOf(task.id);
     if (!row)
         return;
@@ -80,6 +83,7 @@ void QuorvelController::completeStudyTask(const StudyTask &task)
 
 void QuorvelController::reopenStudyTask(const StudyTask &task)
 {
+    qCDebug(logCommand, "reopenStudyTask");
     const auto row = m_studyTasks.rowOf(task.id);
     if (!row)
         return;
@@ -94,6 +98,7 @@ void QuorvelController::reopenStudyTask(const StudyTask &task)
 
 void QuorvelController::clearCompletedTasks()
 {
+    qCDebug(logCommand, "clearCompletedTasks");
     const auto removed = m_studyTasks.removeCompleted();
     noteTasksChanged();
     saveStudyTasks();
@@ -102,6 +107,7 @@ void QuorvelController::clearCompletedTasks()
 
 void QuorvelController::deleteStudyTask(const StudyTask &task)
 {
+    qCDebug(logCommand, "deleteStudyTask");
     const auto id = task.id; // the task may live in the list that shrinks
     m_studyTasks.removeAllOf(id);
     noteTasksChanged();

@@ -1,0 +1,3 @@
+#include "commandLog.h"
+
+Q_LOGGING_CATEGORY(logCommand, "quorvel.engine.command", QtWarningMsg)
