@@ -41,6 +41,7 @@ bool AppDelegate::applicationDidFinishLaunching()
         return false;
     createStatusItem();
     updateDesktopSupport();
+    followMotionPreference();
     showWindow();
 
     m_statusTimer.setInterval(1s);
@@ -168,6 +169,15 @@ void AppDelegate::updateDesktopSupport()
     const auto coverage = m_adapters.coverage->coverage(m_adapters.applications->running());
     m_desktopSupport.setBrowserCoverage({coverage.begin(), coverage.end()});
     m_desktopSupport.setStatusItem(statusItemAvailability());
+}
+
+void AppDelegate::followMotionPreference()
+{
+    const auto follow = [this] {
+        m_desktopSupport.setReducedMotion(m_adapters.motion->motion() == MotionPreference::Motion::Reduced);
+    };
+    m_adapters.motion->whenChanged(follow);
+    follow();
 }
 
 Availability AppDelegate::statusItemAvailability() const

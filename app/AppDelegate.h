@@ -47,6 +47,7 @@ public:
 private:
     bool createWindow();
     void updateDesktopSupport();
+    void followMotionPreference();
     Availability statusItemAvailability() const;
 
     PlatformAdapters m_adapters;

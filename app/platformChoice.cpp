@@ -9,6 +9,7 @@
 #include "NetworkBackendClient.h"
 #include "NoApplications.h"
 #include "NoIdle.h"
+#include "PortalMotion.h"
 #include "SystemClock.h"
 #include "TextPreferences.h"
 #include "X11Applications.h"
@@ -17,6 +18,7 @@
 #include "baseFolders.h"
 #include "hostManifests.h"
 #include "schemeHandler.h"
+#include "sessionBus.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -80,6 +82,7 @@ PlatformAdapters choosePlatform(const QByteArray &folder)
     adapters.files = std::make_unique<FolderRecordFiles>(dataFolder());
     adapters.backend = std::make_unique<NetworkBackendClient>(*adapters.preferences);
     adapters.urls = std::make_unique<DesktopUrlOpener>();
+    adapters.motion = std::make_unique<PortalMotion>(sessionBusIfThere());
     chooseBrowsers(adapters, folder);
     chooseDesktop(adapters);
     registerSchemeHandler(FileCalls::system(), schemeHandlerPlaces(QCoreApplication::applicationFilePath()));

@@ -4,6 +4,7 @@
 #include "BrowserCoverage.h"
 #include "BrowserScripting.h"
 #include "Clock.h"
+#include "MotionPreference.h"
 #include "Preferences.h"
 #include "QuorvelController.h"
 #include "RecordFiles.h"
@@ -28,6 +29,7 @@ struct PlatformAdapters
     std::unique_ptr<RecordFiles> files;
     std::unique_ptr<BackendClient> backend; ///< reads the preferences, so it goes before them
     std::unique_ptr<UrlOpener> urls;
+    std::unique_ptr<MotionPreference> motion;
 
     ControllerPorts ports() const
     {

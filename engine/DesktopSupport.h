@@ -7,7 +7,7 @@
 #include <QList>
 #include <QObject>
 
-/// What this desktop lets the program do, for the interface to show. The controller keeps its own fields;
+/// What this desktop lets the program do and asks of it, for the interface to show. The controller keeps its own fields;
 /// these are about the means, not the session.
 class DesktopSupport : public QObject
 {
@@ -21,6 +21,7 @@ class DesktopSupport : public QObject
     QUORVEL_PUBLISHED(QList<BrowserCoverage>, browserCoverage, BrowserCoverage, QList<BrowserCoverage>()) ///< each running browser, by name
     QUORVEL_PUBLISHED(QList<BrowserCoverage>, unseenBrowsers, UnseenBrowsers, QList<BrowserCoverage>())   ///< those of them that are not connected
     QUORVEL_PUBLISHED(Availability, statusItem, StatusItem, Availability())     ///< showing the status item
+    QUORVEL_PUBLISHED(bool, reducedMotion, ReducedMotion, false)                ///< the user has asked for less movement
     // clang-format on
 
 public:
@@ -41,4 +42,5 @@ public:
     void setBrowsers(const Availability &availability) { m_browsers = availability; }
     void setBrowserCoverage(const QList<BrowserCoverage> &coverage) { m_browserCoverage = coverage; }
     void setStatusItem(const Availability &availability) { m_statusItem = availability; }
+    void setReducedMotion(bool reduced) { m_reducedMotion = reduced; }
 };

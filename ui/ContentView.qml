@@ -16,6 +16,12 @@ FocusScope {
 
     focus: true
 
+    Binding {
+        target: AppTheme
+        property: "reducedMotion"
+        value: view.desktopSupport.reducedMotion
+    }
+
     AppBackground {
         anchors.fill: parent
     }

@@ -45,7 +45,8 @@ QtObject {
     readonly property int sidebarWidth: 276
     readonly property int narrowContent: 760 ///< below this width tiles stand two by two
 
-    readonly property int pressDuration: 120 ///< milliseconds
+    property bool reducedMotion: false ///< the user has asked for less movement; the root view sets it
+    readonly property int pressDuration: reducedMotion ? 0 : 120 ///< milliseconds
 
     /// `color` with its own opacity multiplied by `opacity`.
     function faded(color: color, opacity: real): color {

@@ -1,10 +1,11 @@
 #include "OwnQuit.h"
 
+#include "sessionBus.h"
+
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
-#include <QFileInfo>
 #include <QLoggingCategory>
 
 #include <algorithm>
@@ -127,11 +128,7 @@ OwnQuit::OwnQuit(const QDBusConnection &bus)
 
 OwnQuit OwnQuit::ofThisSession()
 {
-    // Without either, Qt would try to start a bus of its own.
-    const auto runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    const bool there = qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS") ||
-                       (!runtime.isEmpty() && QFileInfo::exists(runtime + "/bus"_L1));
-    return OwnQuit(there ? QDBusConnection::sessionBus() : QDBusConnection(u"no session bus"_s));
+    return OwnQuit(sessionBusIfThere());
 }
 
 void OwnQuit::ask(const QString &desktopId, const std::vector<qint32> &processes,
