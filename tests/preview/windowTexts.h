@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QQuickItem>
+
+/// A text that can be seen, or could be if nothing were in its way.
+struct WindowText
+{
+    QQuickItem *item = nullptr;
+    QString text;
+    QString place; ///< the views around it, outermost first, as "FocusHero/ModePill"
+    QColor color;  ///< its own, with what it has of opacity
+    QFont font;
+    QRectF painted; ///< where its letters go, in the window
+    QRectF seen;    ///< what is left of this and of the item's own clipping by what clips around it
+    bool enabled = true;
+};
+
+/// Every text in the window that has letters and is visible and not scrolled out of sight altogether, in the
+/// order in which they are drawn.
+QList<WindowText> windowTexts(QQuickItem &root);
+
+/// The name of the QML file that made an item; empty for items of Qt.
+QString viewNameOf(const QQuickItem &item);
+
+/// Where an item can be seen: the window's part that nothing around the item clips away.
+QRectF clipAround(const QQuickItem &item);
