@@ -111,7 +111,10 @@ FocusScope {
                         onClicked: gate.controller.verifyEmailCode()
                     }
 
-                    Rule {}
+                    Rule {
+                        Layout.topMargin: 4
+                        Layout.bottomMargin: 4
+                    }
 
                     RowLayout {
                         Layout.fillWidth: true

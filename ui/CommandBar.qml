@@ -17,12 +17,12 @@ GridLayout {
 
     columns: wide ? 2 : 1
     columnSpacing: 12
-    rowSpacing: 14
+    rowSpacing: 13
 
     ColumnLayout {
         Layout.fillWidth: true
         Layout.alignment: Qt.AlignTop
-        spacing: 2
+        spacing: 0
 
         PageTitleText {
             Layout.fillWidth: true
@@ -41,6 +41,7 @@ GridLayout {
         id: commands
 
         Layout.alignment: bar.wide ? Qt.AlignTop | Qt.AlignRight : Qt.AlignLeft
+        Layout.topMargin: bar.wide ? 1 : 0
         spacing: 10
 
         GlassButton {

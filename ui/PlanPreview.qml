@@ -35,7 +35,18 @@ Panel {
         }
     }
 
+    EmptyState {
+        Layout.fillWidth: true
+        Layout.topMargin: AppTheme.headerGap
+        visible: openTasks.count === 0
+        iconName: "checklist"
+        title: L10n.t("no_tasks", plan.controller.language)
+        message: L10n.t("no_tasks_message", plan.controller.language)
+    }
+
     Repeater {
+        id: openTasks
+
         model: plan.controller.nextOpenTaskTitles
 
         NextTask {

@@ -19,7 +19,7 @@ Panel {
     GridLayout {
         Layout.fillWidth: true
         columns: quiz.narrow ? 2 : 3
-        columnSpacing: AppTheme.buttonGap
+        columnSpacing: 10
         rowSpacing: AppTheme.labelGap
 
         CaptionText {
@@ -44,6 +44,7 @@ Panel {
 
     EmptyState {
         Layout.fillWidth: true
+        Layout.topMargin: AppTheme.headerGap
         visible: !quiz.controller.hasActiveStudyCard
         iconName: "cards-add"
         title: L10n.t("no_card_selected", quiz.controller.language)

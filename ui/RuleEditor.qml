@@ -32,6 +32,7 @@ Column {
     CaptionText {
         width: editor.width
         visible: text !== ""
+        topPadding: halfLeading + 2
         color: AppTheme.textMuted
         text: editor.note
     }

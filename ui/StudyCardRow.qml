@@ -24,7 +24,7 @@ PanelListRow {
 
             Layout.fillWidth: true
             Layout.alignment: Qt.AlignVCenter
-            spacing: 2
+            spacing: 3
 
             CaptionText {
                 Layout.fillWidth: true
