@@ -102,6 +102,7 @@ void QuorvelController::bindDerivedFields()
     m_focusSubtitle.setBinding([this, required] {
         return StatusTexts::focusSubtitle(m_mode, required(), m_topicCardCount, m_statusMessage, m_language);
     });
+    m_unsavedText.setBinding([this] { return StatusTexts::unsaved(m_failedSaves, m_language); });
     m_blockedAppSummaryText.setBinding(
         [this] { return StatusTexts::blockedAppSummary(m_mode, m_blockedRunningAppNames, m_language); });
 

@@ -12,6 +12,7 @@
 #include "UserProgress.h"
 #include "publishedField.h"
 
+#include <QMap>
 #include <QObject>
 #include <QSet>
 #include <QStringList>
@@ -79,6 +80,7 @@ public:
     QUORVEL_PUBLISHED(qint64, idleSeconds, IdleSeconds, 0)             ///< seconds since the last user input
     QUORVEL_PUBLISHED(QStringList, blockedRunningAppNames, BlockedRunningAppNames, QStringList()) ///< sorted; empty while blocking is off
     QUORVEL_PUBLISHED(QString, statusMessage, StatusMessage, QString())
+    QUORVEL_PUBLISHED(QString, unsavedText, UnsavedText, QString())    ///< what the disk does not hold as it is here, and why; mostly empty
     QUORVEL_PUBLISHED(QStringList, recentEvents, RecentEvents, QStringList()) ///< newest first, at most 8 lines, English
 
     // Cards, tasks, progress
@@ -353,6 +355,9 @@ private:
     Q_OBJECT_BINDABLE_PROPERTY(Self, std::optional<QString>, m_quizRevealedAnswer,
                                &Self::quizRevealedAnswerChanged)
     Q_OBJECT_BINDABLE_PROPERTY(Self, std::optional<QString>, m_signedInEmail, &Self::signedInEmailChanged)
+    /// Record files whose last save failed, by their English names, with the reasons.
+    using FailedSaves = QMap<QString, QString>;
+    Q_OBJECT_BINDABLE_PROPERTY(Self, FailedSaves, m_failedSaves)
     StudyCardModel m_studyCards;
     StudyTaskModel m_studyTasks;
     RecentEventModel m_recentEventModel;

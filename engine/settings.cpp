@@ -103,6 +103,11 @@ void QuorvelController::saveUserProgress()
 
 void QuorvelController::tellFailedSave(const QString &what, const Result<> &saved)
 {
-    if (!saved.ok())
+    auto failed = m_failedSaves.value();
+    failed.remove(what);
+    if (!saved.ok()) {
+        failed.insert(what, saved.reason());
         addEvent(u"Could not save "_s + what + u": "_s + saved.reason());
+    }
+    m_failedSaves = failed;
 }

@@ -156,6 +156,33 @@ QString StatusTexts::focusSubtitle(Mode mode, qint64 required, qint64 matching, 
                                             u"Ручная блокировка активна. Развлечения заблокированы."_s);
 }
 
+QString StatusTexts::unsaved(const QMap<QString, QString> &failedSaves, AppLanguage language)
+{
+    static const QHash<QString, QString> inRussian{
+        {u"settings"_s, u"настройки"_s},
+        {u"tasks"_s, u"задачи"_s},
+        {u"cards"_s, u"карточки"_s},
+        {u"progress"_s, u"прогресс"_s},
+    };
+    if (failedSaves.isEmpty())
+        return {};
+    QStringList names;
+    QStringList reasons;
+    for (auto failed = failedSaves.begin(); failed != failedSaves.end(); ++failed) {
+        names.append(inLanguage(language, failed.key(), inRussian.value(failed.key(), failed.key())));
+        if (!reasons.contains(failed.value()))
+            reasons.append(failed.value());
+    }
+    const auto list = names.join(u", "_s) + u" ("_s + reasons.join(u"; "_s) + u"). "_s;
+    return inLanguage(language,
+                      u"Could not save: "_s + list +
+                          u"Quorvel keeps what you did and tries again with the next change; do not quit "
+                          "before that works."_s,
+                      u"Не удалось сохранить: "_s + list +
+                          u"Quorvel помнит всё сделанное и попробует снова при следующем изменении; не "
+                          "выключай его до этого."_s);
+}
+
 QString StatusTexts::blockedAppSummary(Mode mode, const QStringList &blockedRunningAppNames,
                                        AppLanguage language)
 {

@@ -37,6 +37,9 @@ double sessionProgress(qint64 left, qint64 total);
 QString focusSubtitle(Mode mode, qint64 required, qint64 matching, const QString &status,
                       AppLanguage language);
 
+/// What could not be saved, by the English names of the record files, with the reasons; empty where all was.
+QString unsaved(const QMap<QString, QString> &failedSaves, AppLanguage language);
+
 QString blockedAppSummary(Mode mode, const QStringList &blockedRunningAppNames, AppLanguage language);
 
 QString counting(const QString &proofProgress, const QString &activeAppName, AppLanguage language);

@@ -26,16 +26,20 @@ FocusScope {
             height: Math.max(implicitHeight, scroller.height)
             implicitHeight: columns.implicitHeight + 2 * gate.outerPadding
 
-            RowLayout {
+            Item {
                 id: columns
 
                 anchors.centerIn: parent
                 width: Math.min(980, page.width - 2 * gate.outerPadding)
-                spacing: 24
+                implicitHeight: Math.max(brand.height, form.height)
 
-                ColumnLayout {
-                    Layout.fillWidth: true
-                    Layout.alignment: Qt.AlignVCenter
+                Column {
+                    id: brand
+
+                    anchors.left: parent.left
+                    anchors.right: form.left
+                    anchors.rightMargin: 60
+                    anchors.verticalCenter: parent.verticalCenter
                     spacing: AppTheme.blockGap
 
                     BrandTile {
@@ -49,14 +53,13 @@ FocusScope {
                     }
 
                     WelcomeTitleText {
-                        Layout.fillWidth: true
-                        Layout.maximumWidth: 392
+                        width: Math.min(392, brand.width)
                         text: L10n.t("auth_required_title", gate.controller.language)
                         Accessible.role: Accessible.Heading
                     }
 
                     Title3Text {
-                        Layout.fillWidth: true
+                        width: brand.width
                         line: 26
                         font.weight: Font.Normal
                         color: AppTheme.textMuted
@@ -64,14 +67,18 @@ FocusScope {
                     }
 
                     LanguageSwitch {
-                        Layout.preferredWidth: 168
+                        width: 168
                         controller: gate.controller
                     }
                 }
 
                 Panel {
-                    Layout.preferredWidth: gate.formWidth
-                    Layout.alignment: Qt.AlignVCenter
+                    id: form
+
+                    anchors.right: parent.right
+                    anchors.verticalCenter: parent.verticalCenter
+                    width: gate.formWidth
+                    height: implicitHeight
                     contentSpacing: 14
                     Accessible.name: L10n.t("account", gate.controller.language)
 

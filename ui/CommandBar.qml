@@ -4,8 +4,8 @@ import QtQuick
 import QtQuick.Layouts
 import Quorvel.Ui
 
-/// The page's title and the commands that apply everywhere. The commands go under a title that they would
-/// leave too little room.
+/// The page's title, the commands that apply everywhere, and a warning while something could not be saved. The
+/// commands go under a title that they would leave too little room.
 GridLayout {
     id: bar
 
@@ -62,5 +62,15 @@ GridLayout {
             text: L10n.t("stop_quorvel", bar.controller.language)
             onClicked: bar.controller.stopQuorvel()
         }
+    }
+
+    SelectableText {
+        Layout.columnSpan: bar.columns
+        Layout.fillWidth: true
+        Layout.maximumWidth: 680
+        visible: text !== ""
+        color: AppTheme.red
+        text: bar.controller.unsavedText
+        Accessible.role: Accessible.AlertMessage
     }
 }

@@ -120,6 +120,29 @@ private Q_SLOTS:
         QCOMPARE(controller.quizFeedback(), u"Карточке нужны вопрос и ожидаемый ответ."_s);
     }
 
+    void whatIsNotSavedIsShownUntilItIs()
+    {
+        ControllerHarness harness;
+        auto &controller = harness.start();
+        harness.addCard(u"1 + 1"_s, u"2"_s);
+        QCOMPARE(controller.unsavedText(), QString());
+        harness.files.writeFailure = u"No space left on device"_s;
+        harness.addCard(u"2 + 2"_s, u"4"_s);
+        controller.saveSettings();
+        QCOMPARE(controller.unsavedText(),
+                 u"Could not save: cards, settings (No space left on device). Quorvel keeps what you did and "
+                 "tries again with the next change; do not quit before that works."_s);
+        controller.setLanguage(AppLanguage::Russian);
+        QVERIFY(controller.unsavedText().startsWith(
+            u"Не удалось сохранить: карточки, настройки (No space left on device). "_s));
+        harness.files.writeFailure.clear();
+        controller.saveSettings();
+        QVERIFY(controller.unsavedText().startsWith(u"Не удалось сохранить: карточки (No"_s));
+        harness.addCard(u"2 + 3"_s, u"5"_s);
+        QCOMPARE(controller.unsavedText(), QString());
+        QCOMPARE(harness.storedCards().size(), size_t(3));
+    }
+
     void aFailedSaveIsToldAndKeepsTheCard()
     {
         ControllerHarness harness;
