@@ -16,6 +16,7 @@ GRACE = 5.0  # seconds that a blocked application has after it was asked to quit
 SHOWN = 20  # seconds; a text that comes at all comes sooner, also where the machine is busy
 CLOCK = r"\d\d:\d\d"
 COUNTING = r"Counting study time\. Card proof: Off\. Active app: Anki\."
+BREAK = r"Break is unlocked\. Entertainment is allowed until the timer ends\."
 STEAM_RUNS = r"Paused: blocked app is running: Steam\."
 
 
@@ -65,7 +66,7 @@ def enter_as_guest(stage, report):
         step.saw(stage.window.wait_for("Welcome to Quorvel", 20))
         step.saw(stage.picture("first-screen"))
         stage.window.press("Continue as Guest")
-        step.saw(stage.window.wait_for(r"Ready\. Blocking is off until you start\.", SHOWN))
+        step.saw(stage.window.wait_for(r"Blocking is off\. Press Start Study to arm Quorvel\.", SHOWN))
         step.saw(stage.picture("ready"))
 
 
@@ -111,7 +112,7 @@ def close_steam(stage, report, anki):
             step.saw(stage.window.wait_for(STEAM_RUNS, SHOWN))
             waited = seconds_until(lambda: steam.poll() is not None, 4, "the end of Steam")
             step.check(steam.returncode == 0, f"Steam ended by itself within {waited:.1f} s, with {steam.returncode}")
-            stage.scroll_to_end()
+            stage.window.press("Activity")
             step.saw(stage.window.wait_for(event("Closed Steam."), SHOWN))
             step.check(not stage.window.find(event("Force closed Steam.")), "no force was needed")
             step.saw(stage.picture("steam-closed"))
@@ -120,7 +121,7 @@ def close_steam(stage, report, anki):
 
 def go_on(stage, step, anki):
     """Back to Anki; the clock goes on."""
-    stage.scroll_to_start()
+    stage.window.press("Focus")
     stage.bring_to_front(anki)
     step.saw(stage.window.wait_for(COUNTING, SHOWN))
 
@@ -132,7 +133,7 @@ def close_discord_by_force(stage, report, anki):
             # It is asked in the same second in which the status names it: between these two looks.
             not_yet, asked = stage.window.moment_of(r"Paused: blocked app is running: Discord\.", 4)
             step.saw(stage.picture("discord-asked"))
-            stage.scroll_to_end()
+            stage.window.press("Activity")
             step.saw(stage.window.wait_for(event("Closed Discord."), SHOWN))
             step.check(not stage.window.find(event("Force closed Discord.")) and discord.poll() is None, "still runs")
             seconds_until(lambda: discord.poll() is not None, 10, "the end of Discord")
@@ -165,7 +166,7 @@ def close_a_blocked_tab(stage, report, anki, companion):
             step.saw(stage.picture("blocked-tab"))  # a look may have come before it
             step.saw(stage.wait_for_title(chromium, "Lesson 7", LOOK + 3))
             step.saw(f"back in front at most {time.monotonic() - opened:.1f} s after the other was opened")
-            stage.scroll_to_end()
+            stage.window.press("Activity")
             step.saw(stage.window.wait_for(event("Closed 1 blocked browser tab: 9gag.com."), SHOWN))
             step.check(browser.asked_for("lessons.example") == 1, "the other tab was not loaded again")
             step.saw(stage.picture("blocked-tab-closed"))
@@ -194,15 +195,16 @@ def earn_the_break(stage, report, anki):
         with stage.hands():
             waited = seconds_until(lambda: stage.window.find("Break remaining"), 70, "the break")
             step.saw(f"after {waited:.0f} s more")
-            step.saw(stage.window.wait_for(r"Break unlocked\.|Break is active\. Entertainment is allowed\.", SHOWN))
-            step.saw(stage.window.wait_for(r"26/100 XP", SHOWN))
+            step.saw(stage.window.wait_for(BREAK, SHOWN))
             step.saw(stage.picture("break"))
-            stage.scroll_to_end()
+            stage.window.press("Progress")
+            step.saw(stage.window.wait_for(r"26/100 XP", SHOWN))
+            stage.window.press("Activity")
             for line in ("+1 XP. Focused for one minute.", "+25 XP. Study session completed.",
                          "Study session completed. Break unlocked."):
                 step.saw(stage.window.wait_for(event(line), SHOWN))
             step.saw(stage.picture("events"))
-            stage.scroll_to_start()
+            stage.window.press("Focus")
             stage.end(anki)
 
 
@@ -212,9 +214,9 @@ def leave_steam_alone(stage, report):
         time.sleep(GRACE + 2)
         step.check(steam.poll() is None, f"Steam still runs after {GRACE + 2:.0f} s" if steam.returncode is None
                    else f"Steam ended with {steam.returncode}")
-        step.saw(stage.window.wait_for(r"Break is active\. Entertainment is allowed\.", SHOWN))
+        step.saw(stage.window.wait_for(BREAK, SHOWN))
         step.saw(stage.picture("steam-in-the-break"))
-        stage.scroll_to_end()
+        stage.window.press("Activity")
         stage.window.wait_for(event("Study session completed. Break unlocked."), SHOWN)
         about = [text for text in stage.window.texts() if re.fullmatch(event("Closed Steam."), text)]
         step.check(len(about) <= 1, f"nothing new about Steam in the log: {about}")
@@ -279,6 +281,7 @@ def miss_a_card(stage, report):
 
 def prove_one_card(stage, report):
     with report.step("Proof", "in a session a right answer counts toward the break, with 10 XP") as step:
+        stage.window.press("Focus")
         stage.press_key("ctrl+s")
         step.saw(stage.window.wait_for(r"Study session is already running\.", SHOWN))
         stage.window.press("Cards")
@@ -298,8 +301,7 @@ def plan_a_step(stage, report):
         stage.window.press("Done")
         stage.window.wait_for("Reopen", SHOWN)
         step.saw(stage.picture("plan"))
-        stage.window.press("Focus")
-        stage.scroll_to_end()
+        stage.window.press("Activity")
         step.saw(stage.window.wait_for(event("+3 XP. Study task completed."), SHOWN))
 
 
@@ -318,7 +320,7 @@ def open_the_break_by_the_last_card(stage, report):
             stage.fill("Answer from memory", ANSWERS[question], then="Return")
             waited = seconds_until(lambda: stage.window.find("Break remaining"), 3, "the break")
             step.saw(f"{question}: {ANSWERS[question]}; the break opened after {waited:.1f} s")
-            stage.scroll_to_end()
+            stage.window.press("Activity")
             step.saw(stage.window.wait_for(event("Study session completed. Break unlocked."), SHOWN))
             step.saw(stage.picture("break-by-proof"))
 
