@@ -18,6 +18,7 @@ Button {
     scale: down ? 0.985 : 1
     hoverEnabled: false
 
+    Accessible.name: text
     Keys.onReturnPressed: button.clicked()
     Keys.onEnterPressed: button.clicked()
 
