@@ -7,8 +7,8 @@
 #include <QList>
 #include <QObject>
 
-/// What this desktop lets the program do and asks of it, for the interface to show. The controller keeps its own fields;
-/// these are about the means, not the session.
+/// What this desktop lets the program do and asks of it, for the interface to show. The controller keeps its
+/// own fields; these are about the means, not the session.
 class DesktopSupport : public QObject
 {
     Q_OBJECT

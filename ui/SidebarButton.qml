@@ -16,17 +16,12 @@ RadioButton {
     horizontalPadding: 10
     verticalPadding: 9
     implicitHeight: 38
-    checkable: false
-    autoExclusive: false
+    checked: current
     indicator: null
     hoverEnabled: false
     focusPolicy: Qt.StrongFocus
 
     Accessible.name: text
-    Accessible.checkable: true
-    Accessible.checked: current
-    Accessible.onPressAction: button.clicked()
-    Accessible.onToggleAction: button.clicked()
     Keys.onReturnPressed: button.clicked()
     Keys.onEnterPressed: button.clicked()
 

@@ -1,6 +1,7 @@
 #include "setUpInterface.h"
 
 #include "IconProvider.h"
+#include "installAccessibleItems.h"
 
 #include <QFont>
 #include <QGuiApplication>
@@ -16,6 +17,7 @@ void setUpInterface(QQmlEngine &engine)
     font.setFamilies({u"Inter"_s, font.family()}); // where Inter is not installed, the desktop's own
     QGuiApplication::setFont(font);
 
+    installAccessibleItems();
     engine.addImportPath(u":/qt/qml"_s);
     engine.addImageProvider(u"icons"_s, new IconProvider); // the engine owns it
 }

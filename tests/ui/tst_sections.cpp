@@ -353,6 +353,31 @@ private Q_SLOTS:
                  qPrintable(QString::number(all(QAccessible::Button, u"Done"_s).size())));
     }
 
+    void theFootStandsUnderTheLastRowAndCanBeClicked()
+    {
+        addTasks(40);
+        controller().completeStudyTask(controller().studyTasks().back());
+        open(u"Plan"_s);
+        const auto placeOf = [](const QQuickItem *item) {
+            return item->mapRectToScene(QRectF(0, 0, item->width(), item->height()));
+        };
+        auto *clear = all(QAccessible::Button, u"Clear Completed"_s).value(0);
+        QVERIFY(clear);
+        QVERIFY(placeOf(clear).top() > m_window->height());
+        QTRY_VERIFY([&] { // the length of what has not been made yet is an estimate
+            clear->forceActiveFocus(Qt::TabFocusReason);
+            key(Qt::Key_PageDown);
+            return placeOf(clear).bottom() < m_window->height() &&
+                   all(QAccessible::Button, u"Reopen"_s).size() == 1;
+        }());
+        const auto lastRow = placeOf(all(QAccessible::Button, u"Reopen"_s).value(0));
+        QVERIFY(placeOf(clear).top() > lastRow.bottom());
+        QVERIFY(placeOf(clear).top() < lastRow.bottom() + 60);
+        QTest::mouseClick(m_window.get(), Qt::LeftButton, Qt::NoModifier, placeOf(clear).center().toPoint());
+        QCOMPARE(controller().completedTaskCount(), 0);
+        QCOMPARE(controller().studyTasks().size(), size_t(39));
+    }
+
     void arrowsWalkTheRows()
     {
         addTasks(3);

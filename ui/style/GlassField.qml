@@ -4,8 +4,8 @@ import QtQuick
 import QtQuick.Controls.Basic
 import Quorvel.Ui
 
-/// A single line to type into. It shows `draft` and tells each keystroke by `edited`; the text itself is its
-/// owner's, so that it follows when the owner changes it.
+/// A single line to type into. It shows `draft` and tells each change by hand, or by a tool in place of the
+/// hand, by `edited`; the text itself is its owner's, so that it follows when the owner changes it.
 FocusScope {
     id: field
 
@@ -13,11 +13,24 @@ FocusScope {
     required property string accessibleName
     property string placeholder: ""
 
+    property bool following: false ///< while the text is put in from outside
+
     signal edited(string text)
     signal accepted()
 
     implicitWidth: 160
     implicitHeight: AppTheme.controlHeight
+
+    function follow(): void {
+        if (input.text === draft)
+            return;
+        following = true;
+        input.text = draft;
+        following = false;
+    }
+
+    onDraftChanged: follow()
+    Component.onCompleted: follow()
 
     InputSurface {
         anchors.fill: parent
@@ -43,11 +56,13 @@ FocusScope {
         placeholderTextColor: AppTheme.placeholder
         font.pixelSize: 14
         font.letterSpacing: -0.1
-        text: field.draft
 
         Accessible.name: field.accessibleName
 
-        onTextEdited: field.edited(text)
+        onTextChanged: {
+            if (!field.following)
+                field.edited(text);
+        }
         onAccepted: field.accepted()
     }
 }

@@ -21,8 +21,6 @@ Switch {
     hoverEnabled: false
 
     Accessible.name: accessibleName
-    Accessible.onPressAction: flip()
-    Accessible.onToggleAction: flip()
     Keys.onReturnPressed: flip()
     Keys.onEnterPressed: flip()
 

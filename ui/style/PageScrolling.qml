@@ -24,12 +24,12 @@ Item {
     function show(item: Item): void {
         let shown = item;
         let ancestor = item;
-        while (ancestor && ancestor !== page.contentItem) {
+        while (ancestor && ancestor !== page) {
             if (ancestor instanceof Flickable)
                 shown = ancestor;
             ancestor = ancestor.parent;
         }
-        if (!ancestor || shown === page)
+        if (!ancestor || item === page)
             return;
         const top = shown.mapToItem(page.contentItem, 0, 0).y;
         const margin = AppTheme.blockGap;

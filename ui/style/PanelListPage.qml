@@ -3,8 +3,9 @@ import QtQuick.Controls.Basic
 import Quorvel.Ui
 
 /// A page whose last panel holds a list that may be long: the page scrolls as one, and only the rows in sight
-/// exist. Its rows are PanelListRows. Head and foot are children of the page; the view's own header and footer
-/// keep their places free (Qt 6.4 cannot make those of components that are bound to their file).
+/// exist. Its rows are PanelListRows. The view's own header and footer keep places free (Qt 6.4 cannot make those
+/// of components that are bound to their file): the head stands in the header, which comes before every row on
+/// the way of the Tab key, and the foot on the page itself over the footer, which comes after all of them.
 ///
 /// The list is one stop of the Tab key: the buttons of the current row. Up and Down go to the rows beside it.
 ListView {
@@ -55,8 +56,8 @@ ListView {
     }
 
     Component.onCompleted: {
-        head.parent = contentItem;
-        foot.parent = contentItem;
+        head.parent = headerItem;
+        foot.parent = page;
     }
 
     spacing: AppTheme.rowGap
@@ -103,15 +104,9 @@ ListView {
     }
 
     Binding {
-        target: page.head
-        property: "y"
-        value: page.headY
-    }
-
-    Binding {
         target: page.foot
         property: "y"
-        value: page.footY
+        value: page.footY - page.contentY
     }
 
     onContentYChanged: {

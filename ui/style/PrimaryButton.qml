@@ -18,10 +18,7 @@ Button {
     scale: down ? 0.985 : 1
     hoverEnabled: false
 
-    Accessible.onPressAction: {
-        if (button.enabled) // assistive tools can press a disabled button
-            button.clicked();
-    }
+    Accessible.name: text
     Keys.onReturnPressed: button.clicked()
     Keys.onEnterPressed: button.clicked()
 

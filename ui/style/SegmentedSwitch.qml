@@ -43,8 +43,7 @@ FocusScope {
                 width: parent ? (parent as Row).width / control.labels.length : 0
                 height: parent ? (parent as Row).height : 0
                 text: modelData
-                checkable: false
-                autoExclusive: false
+                checked: current
                 indicator: null
                 padding: 0
                 hoverEnabled: false
@@ -52,10 +51,6 @@ FocusScope {
                 activeFocusOnTab: true
 
                 Accessible.name: text
-                Accessible.checkable: true
-                Accessible.checked: current
-                Accessible.onPressAction: segment.clicked()
-                Accessible.onToggleAction: segment.clicked()
                 Keys.onReturnPressed: segment.clicked()
                 Keys.onEnterPressed: segment.clicked()
                 Keys.onLeftPressed: control.chosen(Math.max(index - 1, 0))

@@ -11,6 +11,11 @@ Item {
     required property color color
     required property string accessibleName
 
+    // By these names assistive tools read how far it is.
+    readonly property real value: progress
+    readonly property real minimumValue: 0
+    readonly property real maximumValue: 1
+
     implicitHeight: 6
 
     Accessible.role: Accessible.ProgressBar

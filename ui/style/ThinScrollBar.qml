@@ -11,6 +11,8 @@ ScrollBar {
     minimumSize: 0.08
     padding: 3
 
+    Accessible.ignored: true // who cannot see the page does not scroll it
+
     contentItem: Rectangle {
         implicitWidth: 6
         implicitHeight: 6
