@@ -21,6 +21,7 @@ Item {
         anchors.fill: parent
         visible: GraphicsInfo.api !== GraphicsInfo.Software
         blending: false
+        layer.enabled: true
         fragmentShader: "qrc:/quorvel/shaders/background.frag.qsb"
     }
 
