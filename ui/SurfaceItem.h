@@ -5,9 +5,8 @@
 #include <QQuickItem>
 #include <QtQml/qqmlregistration.h>
 
-/// Draws one shape: its fill and outline as a few triangles, its shadows as a small picture that all shapes
-/// of the same style share. Without a graphics processor all of it is a picture, drawn once for its size.
-/// Nothing is drawn again that did not change, and it is as sharp on any screen.
+/// Draws one shape out of a few triangles. Without a graphics processor it is a picture, drawn once for its
+/// size. Nothing is drawn again that did not change, and it is as sharp on any screen.
 class SurfaceItem : public QQuickItem
 {
     Q_OBJECT

@@ -7,7 +7,6 @@
 #include <QSGGeometryNode>
 #include <QSGImageNode>
 #include <QSGTexture>
-#include <QSGTextureMaterial>
 #include <QSGVertexColorMaterial>
 
 #include <memory>
@@ -42,60 +41,31 @@ class TriangleNode : public SurfaceNode
 {
 public:
     TriangleNode()
-        : m_shape(QSGGeometry::defaultAttributes_ColoredPoint2D(), 0, 0)
-        , m_shadows(QSGGeometry::defaultAttributes_TexturedPoint2D(), 0, 0)
+        : m_geometry(QSGGeometry::defaultAttributes_ColoredPoint2D(), 0, 0)
     {
-        m_shape.setDrawingMode(QSGGeometry::DrawTriangles);
-        m_shapeNode.setGeometry(&m_shape);
-        m_shapeNode.setMaterial(&m_shapeMaterial);
-        m_shapeMaterial.setFlag(QSGMaterial::Blending);
-        m_shadows.setDrawingMode(QSGGeometry::DrawTriangles);
-        m_shadowNode.setGeometry(&m_shadows);
-        m_shadowNode.setMaterial(&m_shadowMaterial);
-        m_shadowMaterial.setFlag(QSGMaterial::Blending);
-        m_shadowMaterial.setFiltering(QSGTexture::Linear);
-        for (auto *node : {&m_shadowNode, &m_shapeNode}) {
-            node->setFlag(OwnedByParent, false);
-            appendChildNode(node);
-        }
+        m_geometry.setDrawingMode(QSGGeometry::DrawTriangles);
+        m_material.setFlag(QSGMaterial::Blending);
+        m_drawn.setGeometry(&m_geometry);
+        m_drawn.setMaterial(&m_material);
+        m_drawn.setFlag(OwnedByParent, false);
+        appendChildNode(&m_drawn);
     }
     ~TriangleNode() override { removeAllChildNodes(); }
 
-    void show(const SurfaceLook &look, QQuickWindow &window) override
+    void show(const SurfaceLook &look, QQuickWindow &) override
     {
         if (m_look == look)
             return;
         m_look = look;
-        fillShape(look, m_shape);
-        m_shapeNode.markDirty(DirtyGeometry);
-        showShadows(window);
+        fillShape(look, m_geometry);
+        m_drawn.markDirty(DirtyGeometry);
     }
 
 private:
-    void showShadows(QQuickWindow &window)
-    {
-        const auto shadows = m_look->style.shadowsAlone();
-        if (!shadows.first.isDrawn() && !shadows.second.isDrawn()) {
-            m_shadows.allocate(0, 0);
-            m_texture.reset();
-        } else {
-            const SurfaceLook drawn{shadows, sizeOfShadowPicture(*m_look), m_look->scale};
-            m_texture = textureOf(drawn, window);
-            m_shadowMaterial.setTexture(m_texture.get());
-            fillShadows(*m_look, drawn.size, m_texture->normalizedTextureSubRect(), m_shadows);
-            m_shadowNode.markDirty(DirtyMaterial);
-        }
-        m_shadowNode.markDirty(DirtyGeometry);
-    }
-
     std::optional<SurfaceLook> m_look;
-    QSGGeometry m_shape;
-    QSGVertexColorMaterial m_shapeMaterial;
-    QSGGeometryNode m_shapeNode;
-    Texture m_texture;
-    QSGGeometry m_shadows;
-    QSGTextureMaterial m_shadowMaterial;
-    QSGGeometryNode m_shadowNode;
+    QSGGeometry m_geometry;
+    QSGVertexColorMaterial m_material;
+    QSGGeometryNode m_drawn;
 };
 
 class PictureNode : public SurfaceNode

@@ -25,7 +25,7 @@ public:
     virtual void show(const SurfaceLook &look, QQuickWindow &window) = 0;
 };
 
-/// Of coloured triangles, and a picture of the shadows in the window's graphics memory.
+/// Of coloured triangles.
 SurfaceNode *makeTriangleNode();
 
 /// One picture, for the renderer that has no triangles.

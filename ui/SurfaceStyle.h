@@ -11,8 +11,8 @@ struct SurfaceShadow
     QPointF offset;
 
     bool isDrawn() const { return sigma > 0 && qAlpha(color) > 0; }
-    /// How far it can be seen beyond the shape, in logical pixels.
-    qreal reach() const { return isDrawn() ? 3 * sigma + qMax(qAbs(offset.x()), qAbs(offset.y())) : 0; }
+    /// How far beyond the shape it changes a pixel, in logical pixels.
+    qreal reach() const;
 
     bool operator==(const SurfaceShadow &) const = default;
 };
@@ -33,8 +33,6 @@ struct SurfaceStyle
 
     /// Room that the shadows take beyond the shape on every side, in whole logical pixels.
     int margin() const;
-    /// The same without fill and outline.
-    SurfaceStyle shadowsAlone() const;
 
     bool operator==(const SurfaceStyle &) const = default;
 };

@@ -32,24 +32,51 @@ void addBand(qsizetype first, qsizetype second, qsizetype count, Indices &indice
     }
 }
 
-/// Fades from full half a pixel inside the edge to nothing half a pixel outside.
-void addFill(const SurfaceFill &fill, const std::vector<EdgePoint> &edge, QPointF middle, qreal halfPixel,
-             Vertices &vertices, Indices &indices)
+/// A polygon without a bend inwards, of vertices in order. Its triangles are as large as can be, since thin
+/// ones that run through all of it cost much more to draw.
+void addPolygon(Indices corners, Indices &indices)
 {
-    const auto count = qsizetype(edge.size());
-    const auto first = qsizetype(vertices.size());
-    for (const auto &point : edge) {
+    while (corners.size() > 2) {
+        Indices left;
+        for (size_t here = 0; here < corners.size(); here += 2) {
+            left.push_back(corners[here]);
+            if (here + 1 < corners.size() && corners.size() > 2) {
+                const auto next = corners[(here + 2) % corners.size()];
+                if (next != corners[here])
+                    indices.insert(indices.end(), {corners[here], corners[here + 1], next});
+            }
+        }
+        if (corners.size() == 3)
+            return;
+        corners = left;
+    }
+}
+
+/// Fades from full half a pixel inside the edge to nothing half a pixel outside. Each side of the gradient's
+/// middle is a polygon of its own, over which the colour changes evenly.
+void addFill(const SurfaceFill &fill, const Edge &edge, qreal halfPixel, Vertices &vertices, Indices &indices)
+{
+    const auto count = edge.points.size();
+    const auto first = vertices.size();
+    for (const auto &point : edge.points) {
         const auto place = point.place - halfPixel * point.outwards;
         vertices.push_back(vertex(place, fill.at(place)));
     }
-    for (const auto &point : edge)
-        vertices.push_back(vertex(point.place + halfPixel * point.outwards, {0, 0, 0, 0}));
-    vertices.push_back(vertex(middle, fill.at(middle)));
-    for (qsizetype here = 0; here < count; ++here) {
-        for (const auto index : {first + 2 * count, first + here, first + (here + 1) % count})
-            indices.push_back(quint16(index));
+    for (const auto &point : edge.points)
+        vertices.push_back(vertex(point.place + halfPixel * point.outwards, QVector4D()));
+    std::array<Indices, 2> sides;
+    const auto [begin, end] = edge.middles;
+    for (size_t index = 0; index < count; ++index) {
+        const auto corner = quint16(first + (begin + index) % count);
+        if (index <= end - begin)
+            sides[0].push_back(corner);
+        if (index >= end - begin)
+            sides[1].push_back(corner);
     }
-    addBand(first, first + count, count, indices);
+    sides[1].push_back(quint16(first + begin));
+    for (const auto &side : sides)
+        addPolygon(side, indices);
+    addBand(qsizetype(first), qsizetype(first + count), qsizetype(count), indices);
 }
 
 /// A line of that width inside the edge, soft on both sides.
@@ -70,32 +97,66 @@ void addOutline(QVector4D color, qreal width, const std::vector<EdgePoint> &edge
         addBand(first, first + count, count, indices);
 }
 
-/// One axis of the picture of the shadows: where its lines lie in the window, and where in the picture.
-struct ShadowLines
+/// How much of a blurred side covers a place on it.
+float covered(qreal place, qreal length, qreal sigma)
 {
-    std::array<qreal, 6> places;
-    std::array<qreal, 6> parts; ///< 0 to 1
+    return float((std::erf(place * M_SQRT1_2 / sigma) - std::erf((place - length) * M_SQRT1_2 / sigma)) / 2);
+}
 
-    /// Between the second line and the fifth nothing but the shape is seen.
-    ShadowLines(qreal length, qreal drawn, qreal margin, qreal bend, qreal wholePicture)
-        : places{-margin, bend, drawn / 2, length - drawn / 2, length - bend, length + margin}
-        , parts{0,
-                bend + margin,
-                drawn / 2 + margin,
-                drawn / 2 + margin,
-                drawn - bend + margin,
-                drawn + 2 * margin}
-    {
-        for (auto &part : parts)
-            part /= wholePicture;
+QVector4D shadowAt(const SurfaceShadow &shadow, QSizeF size, QPointF place)
+{
+    if (!shadow.isDrawn())
+        return {};
+    const auto from = place - shadow.offset;
+    return premultiplied(QColor::fromRgba(shadow.color)) * covered(from.x(), size.width(), shadow.sigma) *
+           covered(from.y(), size.height(), shadow.sigma);
+}
+
+/// The same edge with more points where straight sides come near a corner, since shadows fade there.
+std::vector<EdgePoint> refined(const std::vector<EdgePoint> &edge, qreal step, qreal reach)
+{
+    std::vector<EdgePoint> points;
+    for (size_t index = 0; index < edge.size(); ++index) {
+        const auto &here = edge[index];
+        const auto &next = edge[(index + 1) % edge.size()];
+        points.push_back(here);
+        const auto way = next.place - here.place;
+        const auto length = std::hypot(way.x(), way.y());
+        for (qreal gone = step; gone < length - step / 2; gone += step) {
+            if (gone > reach && length - gone > reach + step)
+                gone = length - reach; // the middle of a long side needs none
+            points.push_back({here.place + gone / length * way, here.outwards});
+        }
     }
-};
+    return points;
+}
 
-/// How much of a side needs its own picture, so that what lies between its ends only has to be stretched.
-qreal drawnLength(const SurfaceLook &look, qreal length)
+/// Rows of points further and further out. Nothing lies under the shape, so that glass stays clear.
+void addShadows(const SurfaceLook &look, const std::vector<EdgePoint> &edge, qreal halfPixel,
+                Vertices &vertices, Indices &indices)
 {
-    const auto ends = 2 * std::ceil(1.528 * look.style.radius + look.style.margin());
-    return std::min(length, ends);
+    const auto &style = look.style;
+    const auto sigma = !style.second.isDrawn()  ? style.first.sigma
+                       : !style.first.isDrawn() ? style.second.sigma
+                                                : std::min(style.first.sigma, style.second.sigma);
+    const auto step = sigma / 2.5;
+    const auto points = refined(edge, step, 3 * sigma);
+    const auto count = qsizetype(points.size());
+    const qreal margin = style.margin();
+    auto first = qsizetype(vertices.size());
+    const auto addRow = [&](qreal distance, bool seen) {
+        for (const auto &point : points) {
+            const auto place = point.place + distance * point.outwards;
+            const auto color =
+                over(shadowAt(style.first, look.size, place), shadowAt(style.second, look.size, place));
+            vertices.push_back(vertex(place, seen ? color : QVector4D()));
+        }
+    };
+    addRow(-halfPixel, false);
+    for (auto distance = halfPixel; distance < margin + step; distance += step, first += count) {
+        addRow(distance, true);
+        addBand(first, first + count, count, indices);
+    }
 }
 
 } // namespace
@@ -103,54 +164,18 @@ qreal drawnLength(const SurfaceLook &look, qreal length)
 void fillShape(const SurfaceLook &look, QSGGeometry &geometry)
 {
     const auto halfPixel = 0.5 / look.scale;
-    const auto edge =
-        edgeOf(look.size, SurfaceCorner(look.style.radius, std::min(look.size.width(), look.size.height())));
+    const auto shortSide = std::min(look.size.width(), look.size.height());
+    const Edge edge(look.size, SurfaceCorner(look.style.radius, shortSide));
     Vertices vertices;
     Indices indices;
+    if (look.style.first.isDrawn() || look.style.second.isDrawn())
+        addShadows(look, edge.points, halfPixel, vertices, indices);
     if (const SurfaceFill fill(look.style, look.size); fill.isDrawn())
-        addFill(fill, edge, {look.size.width() / 2, look.size.height() / 2}, halfPixel, vertices, indices);
+        addFill(fill, edge, halfPixel, vertices, indices);
     if (look.style.outlineWidth > 0 && look.style.outline.alpha() > 0)
-        addOutline(premultiplied(look.style.outline), look.style.outlineWidth, edge, halfPixel, vertices,
-                   indices);
+        addOutline(premultiplied(look.style.outline), look.style.outlineWidth, edge.points, halfPixel,
+                   vertices, indices);
     geometry.allocate(int(vertices.size()), int(indices.size()));
     std::copy(vertices.begin(), vertices.end(), geometry.vertexDataAsColoredPoint2D());
     std::copy(indices.begin(), indices.end(), geometry.indexDataAsUShort());
-}
-
-QSizeF sizeOfShadowPicture(const SurfaceLook &look)
-{
-    return {drawnLength(look, look.size.width()), drawnLength(look, look.size.height())};
-}
-
-void fillShadows(const SurfaceLook &look, QSizeF drawn, const QRectF &texture, QSGGeometry &geometry)
-{
-    const qreal margin = look.style.margin();
-    const auto bend = std::min(0.2929 * look.style.radius + 1, std::min(drawn.width(), drawn.height()) / 2);
-    // The picture ends on a whole pixel.
-    const auto whole = [&](qreal length) {
-        return std::ceil((length + 2 * margin) * look.scale) / look.scale;
-    };
-    const ShadowLines columns(look.size.width(), drawn.width(), margin, bend, whole(drawn.width()));
-    const ShadowLines rows(look.size.height(), drawn.height(), margin, bend, whole(drawn.height()));
-
-    constexpr int side = 6;
-    geometry.allocate(side * side, (5 * 5 - 3 * 3) * 6);
-    auto *point = geometry.vertexDataAsTexturedPoint2D();
-    for (size_t row = 0; row < side; ++row) {
-        for (size_t column = 0; column < side; ++column, ++point) {
-            point->set(float(columns.places[column]), float(rows.places[row]),
-                       float(texture.x() + columns.parts[column] * texture.width()),
-                       float(texture.y() + rows.parts[row] * texture.height()));
-        }
-    }
-    auto *index = geometry.indexDataAsUShort();
-    for (int row = 0; row < side - 1; ++row) {
-        for (int column = 0; column < side - 1; ++column) {
-            if (row > 0 && row < side - 2 && column > 0 && column < side - 2)
-                continue;
-            const auto corner = quint16(row * side + column);
-            for (const int offset : {0, 1, side, side, 1, side + 1})
-                *index++ = quint16(corner + offset);
-        }
-    }
 }

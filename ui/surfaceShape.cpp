@@ -10,7 +10,9 @@
 
 namespace {
 
-constexpr int segmentsOfACorner = 16;
+constexpr int mostSegments = 16; // of a corner
+constexpr int leastSegments = 6;
+constexpr qreal segmentLength = 2.5; // about, in logical pixels
 
 /// Times a place it is 0 at the top leading corner and 1 at the bottom trailing one.
 QPointF directionOf(QSizeF size)
@@ -28,9 +30,10 @@ QVector4D mixed(QVector4D first, QVector4D second, float part)
 /// side.
 std::vector<EdgePoint> quarter(const SurfaceCorner &corner)
 {
+    const auto segments = std::clamp(int(corner.extent / segmentLength), leastSegments, mostSegments);
     std::vector<EdgePoint> points;
-    for (int step = 0; step <= segmentsOfACorner; ++step) {
-        const auto angle = M_PI_2 * step / segmentsOfACorner;
+    for (int step = 0; step <= segments; ++step) {
+        const auto angle = M_PI_2 * step / segments;
         const QPointF unit(std::pow(std::max(std::cos(angle), 0.0), 2 / corner.exponent),
                            std::pow(std::max(std::sin(angle), 0.0), 2 / corner.exponent));
         QPointF slope(std::pow(unit.x(), corner.exponent - 1), std::pow(unit.y(), corner.exponent - 1));
@@ -40,22 +43,26 @@ std::vector<EdgePoint> quarter(const SurfaceCorner &corner)
     return points;
 }
 
-/// Puts in the points where the edge crosses the middle of the gradient.
-std::vector<EdgePoint> withMiddle(const std::vector<EdgePoint> &edge, QSizeF size)
+/// All four corners, which meet in straight sides.
+std::vector<EdgePoint> cornersOf(QSizeF size, const SurfaceCorner &corner)
 {
-    const auto direction = directionOf(size);
+    const auto bend = quarter(corner);
+    const QPointF inner(size.width() / 2 - corner.extent, size.height() / 2 - corner.extent);
+    const QPointF middle(size.width() / 2, size.height() / 2);
     std::vector<EdgePoint> points;
-    for (size_t index = 0; index < edge.size(); ++index) {
-        const auto &here = edge[index];
-        const auto &next = edge[(index + 1) % edge.size()];
-        points.push_back(here);
-        const auto before = QPointF::dotProduct(direction, here.place) - 0.5;
-        const auto after = QPointF::dotProduct(direction, next.place) - 0.5;
-        if (before * after < 0) {
-            const auto part = before / (before - after);
-            points.push_back({here.place + part * (next.place - here.place), here.outwards});
-        }
-    }
+    const auto add = [&](const EdgePoint &point, QPointF sign) {
+        const QPointF place = inner + point.place;
+        points.push_back({middle + QPointF(place.x() * sign.x(), place.y() * sign.y()),
+                          QPointF(point.outwards.x() * sign.x(), point.outwards.y() * sign.y())});
+    };
+    for (const auto &point : bend)
+        add(point, {1, 1});
+    for (auto point = bend.rbegin(); point != bend.rend(); ++point)
+        add(*point, {-1, 1});
+    for (const auto &point : bend)
+        add(point, {-1, -1});
+    for (auto point = bend.rbegin(); point != bend.rend(); ++point)
+        add(*point, {1, -1});
     return points;
 }
 
@@ -82,26 +89,27 @@ qreal SurfaceCorner::distance(QPointF point, QSizeF halfSize) const
     return (length - extent) / slope;
 }
 
-std::vector<EdgePoint> edgeOf(QSizeF size, const SurfaceCorner &corner)
+Edge::Edge(QSizeF size, const SurfaceCorner &corner)
+    : middles{0, 0}
 {
-    const auto bend = quarter(corner);
-    const QPointF inner(size.width() / 2 - corner.extent, size.height() / 2 - corner.extent);
-    const QPointF middle(size.width() / 2, size.height() / 2);
-    std::vector<EdgePoint> edge;
-    const auto add = [&](const EdgePoint &point, QPointF sign) {
-        const QPointF place = inner + point.place;
-        edge.push_back({middle + QPointF(place.x() * sign.x(), place.y() * sign.y()),
-                        QPointF(point.outwards.x() * sign.x(), point.outwards.y() * sign.y())});
-    };
-    for (const auto &point : bend)
-        add(point, {1, 1});
-    for (auto point = bend.rbegin(); point != bend.rend(); ++point)
-        add(*point, {-1, 1});
-    for (const auto &point : bend)
-        add(point, {-1, -1});
-    for (auto point = bend.rbegin(); point != bend.rend(); ++point)
-        add(*point, {1, -1});
-    return withMiddle(edge, size);
+    const auto corners = cornersOf(size, corner);
+    const auto direction = directionOf(size);
+    size_t found = 0;
+    for (size_t index = 0; index < corners.size(); ++index) {
+        const auto &here = corners[index];
+        const auto &next = corners[(index + 1) % corners.size()];
+        points.push_back(here);
+        const auto before = QPointF::dotProduct(direction, here.place) - 0.5;
+        const auto after = QPointF::dotProduct(direction, next.place) - 0.5;
+        if (before * after >= 0 && before != 0)
+            continue;
+        if (before != 0) {
+            const auto part = before / (before - after);
+            points.push_back({here.place + part * (next.place - here.place), here.outwards});
+        }
+        if (found < middles.size())
+            middles[found++] = points.size() - 1;
+    }
 }
 
 SurfaceFill::SurfaceFill(const SurfaceStyle &style, QSizeF size)

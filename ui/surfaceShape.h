@@ -5,6 +5,7 @@
 #include <QSizeF>
 #include <QVector4D>
 
+#include <array>
 #include <vector>
 
 struct SurfaceStyle;
@@ -30,9 +31,15 @@ struct EdgePoint
     QPointF outwards;
 };
 
-/// Once around a shape that begins at 0, 0. The two points half way along the gradient are among them, so
-/// that the triangles between them and the middle lie on one side of its middle stop each.
-std::vector<EdgePoint> edgeOf(QSizeF size, const SurfaceCorner &corner);
+/// Once around a shape that begins at 0, 0, clockwise from its right side. The two points half way along the
+/// gradient are among them.
+struct Edge
+{
+    std::vector<EdgePoint> points;
+    std::array<size_t, 2> middles; ///< where those two are, in order
+
+    Edge(QSizeF size, const SurfaceCorner &corner);
+};
 
 /// The fill of a shape that begins at 0, 0.
 class SurfaceFill
