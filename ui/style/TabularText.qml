@@ -13,9 +13,14 @@ Item {
     property real line: pixelSize * 76 / 68
     property real letterSpacing: 0
     property color color: AppTheme.textPrimary
+    /// A digit that changes comes in from above, while the one before it goes down and fades.
+    property bool counting: false
 
     readonly property real digitCell: 0.682 * pixelSize
     readonly property real colonCell: 0.298 * pixelSize
+    /// Nothing rolls where nobody sees it.
+    readonly property bool rolls: counting && visible && !AppTheme.reducedMotion
+                                  && Window.visibility !== Window.Hidden && Window.visibility !== Window.Minimized
 
     implicitWidth: row.implicitWidth
     implicitHeight: line
@@ -30,22 +35,17 @@ Item {
         height: parent.height
 
         Repeater {
-            model: figures.text.length
+            model: figures.text.length // another length makes them anew, and nothing rolls
 
-            Text {
+            TabularDigit {
                 required property int index
-
-                readonly property string character: figures.text.charAt(index)
 
                 width: character === ":" ? figures.colonCell : figures.digitCell
                 height: row.height
-                horizontalAlignment: Text.AlignHCenter
-                verticalAlignment: Text.AlignVCenter
-                text: character
-                textFormat: Text.PlainText
+                character: figures.text.charAt(index)
+                pixelSize: figures.pixelSize
                 color: figures.color
-                font.pixelSize: figures.pixelSize
-                font.weight: Font.Bold
+                rolls: figures.rolls
             }
         }
     }
