@@ -139,8 +139,8 @@ void addShadows(const SurfaceLook &look, const std::vector<EdgePoint> &edge, qre
     const auto sigma = !style.second.isDrawn()  ? style.first.sigma
                        : !style.first.isDrawn() ? style.second.sigma
                                                 : std::min(style.first.sigma, style.second.sigma);
-    const auto step = sigma / 2.5;
-    const auto points = refined(edge, step, 3 * sigma);
+    const auto step = sigma / 1.6; // linear in between; finer changes no pixel by more than one of its steps
+    const auto points = refined(edge, step, 2.5 * sigma);
     const auto count = qsizetype(points.size());
     const qreal margin = style.margin();
     auto first = qsizetype(vertices.size());
