@@ -34,7 +34,8 @@ function(quorvel_test name)
         set(arg_TIMEOUT 60)
     endif()
     set_tests_properties(${name} PROPERTIES
-        TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}" ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
+        TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}" ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8"
+        FAIL_REGULAR_EXPRESSION "qrc:/[^ ]*\\.qml:[0-9]+") # no test may leave a warning of the interface unread
     if("x11" IN_LIST arg_LABELS) # each waits for windows and programs; together they only make each other late
         set_tests_properties(${name} PROPERTIES RESOURCE_LOCK desktop)
     endif()

@@ -14,11 +14,16 @@ Panel {
     title: L10n.t("advanced_rules", controller.language)
     subtitle: controller.proModeEnabled ? L10n.t("advanced_rules_subtitle", controller.language) : ""
 
-    CalloutText {
+    Column { // a layout would miss how tall the text gets in a narrower window
+        id: note
+
         Layout.fillWidth: true
-        Layout.maximumWidth: 680
         visible: !rules.controller.proModeEnabled
-        text: L10n.t("simple_mode_note", rules.controller.language)
+
+        CalloutText {
+            width: Math.min(680, note.width)
+            text: L10n.t("simple_mode_note", rules.controller.language)
+        }
     }
 
     GridLayout {

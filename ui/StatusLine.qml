@@ -20,22 +20,24 @@ ColumnLayout {
         color: AppTheme.hairline
     }
 
-    RowLayout {
+    Item { // a layout would miss how tall the values get in a narrower window
         Layout.fillWidth: true
-        spacing: 16
+        implicitHeight: Math.max(name.y + name.height, parts.height)
 
         CaptionText {
-            Layout.preferredWidth: 120
-            Layout.maximumWidth: 120
-            Layout.alignment: Qt.AlignTop
-            Layout.topMargin: 3 // on the value's baseline
+            id: name
+
+            y: 3 // on the value's baseline
+            width: 120
             color: AppTheme.textMuted
             text: line.label
         }
 
         Flow {
-            Layout.fillWidth: true
-            Layout.alignment: Qt.AlignTop
+            id: parts
+
+            x: 136
+            width: parent.width - x
             spacing: 9
 
             Repeater {
@@ -57,7 +59,7 @@ ColumnLayout {
                     }
 
                     CalloutText {
-                        width: Math.min(implicitWidth, line.width - 136 - (part.index > 0 ? 13 : 0))
+                        width: Math.min(implicitWidth, parts.width - (part.index > 0 ? 13 : 0))
                         text: part.modelData
                         Accessible.description: line.label
                     }

@@ -56,7 +56,7 @@ QQuickItem *controlBelow(QAccessibleInterface *node, const QString &name)
     if (!node || node->state().invisible)
         return nullptr;
     auto *item = qobject_cast<QQuickItem *>(node->object());
-    if (item && node->state().focusable && nameOf(*node) == name)
+    if (item && !item->inherits("QQuickText") && node->state().focusable && nameOf(*node) == name)
         return item;
     for (int index = 0; index < node->childCount(); ++index) {
         if (auto *found = controlBelow(node->child(index), name))
@@ -176,5 +176,6 @@ Result<> PreviewWindow::focus(const QString &name)
 
 void PreviewWindow::leaveFocus()
 {
-    m_view.contentItem()->forceActiveFocus();
+    if (auto *item = m_view.activeFocusItem())
+        item->setFocus(false);
 }

@@ -32,7 +32,7 @@ public:
     /// Gives the keyboard to the control of that accessible name, as the Tab key would.
     Result<> focus(const QString &name);
 
-    /// Puts the window at rest without any focus.
+    /// Takes the keyboard from the control that has it.
     void leaveFocus();
 
 private:
@@ -42,5 +42,5 @@ private:
     int m_frames = 0;
 };
 
-/// Starts the control that assistive tools find under `name` and that can have the keyboard; null for none.
+/// The control that assistive tools find under `name` and that can have the keyboard; null for none.
 QQuickItem *controlNamed(QQuickView &view, const QString &name);

@@ -56,8 +56,7 @@ Result<> makePicture(PreviewWindow &window, const PreviewOptions &options)
         return Done{};
     }
     const auto picture = window.grab();
-    return picture ? writePicture(withoutDither(picture.value()), options.output)
-                   : Result<>(picture.failure());
+    return picture ? writePicture(calm(picture.value()), options.output) : Result<>(picture.failure());
 }
 
 int runWindow(int argc, char **argv, const PreviewOptions &options)

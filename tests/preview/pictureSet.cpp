@@ -8,8 +8,9 @@ namespace {
 
 bool isNear(QRgb left, QRgb right)
 {
-    return std::abs(qRed(left) - qRed(right)) <= 1 && std::abs(qGreen(left) - qGreen(right)) <= 1 &&
-           std::abs(qBlue(left) - qBlue(right)) <= 1;
+    return std::abs(qRed(left) - qRed(right)) <= mostCalmed &&
+           std::abs(qGreen(left) - qGreen(right)) <= mostCalmed &&
+           std::abs(qBlue(left) - qBlue(right)) <= mostCalmed;
 }
 
 const QRgb *lineOf(const QImage &picture, int row)
@@ -36,23 +37,23 @@ QList<SetPicture> pictureSet()
     return set;
 }
 
-QImage withoutDither(const QImage &picture)
+QImage calm(const QImage &picture)
 {
     const auto given = picture.convertToFormat(QImage::Format_RGB32);
-    auto calm = given.copy();
+    auto calmed = given.copy();
     for (int row = 0; row < given.height(); ++row) {
         const auto *from = lineOf(given, row);
-        auto *to = reinterpret_cast<QRgb *>(calm.scanLine(row));
-        const auto *above = row > 0 ? lineOf(calm, row - 1) : nullptr;
+        auto *to = reinterpret_cast<QRgb *>(calmed.scanLine(row));
+        const auto *above = row > 0 ? lineOf(calmed, row - 1) : nullptr;
         for (int column = 0; column < given.width(); ++column) {
-            if (above && isNear(above[column], from[column]))
-                to[column] = above[column];
-            else if (column > 0 && isNear(to[column - 1], from[column]))
+            if (column > 0 && isNear(to[column - 1], from[column]))
                 to[column] = to[column - 1];
+            else if (above && isNear(above[column], from[column]))
+                to[column] = above[column];
         }
     }
-    calm.setDevicePixelRatio(picture.devicePixelRatio());
-    return calm;
+    calmed.setDevicePixelRatio(picture.devicePixelRatio());
+    return calmed;
 }
 
 Result<> writePicture(const QImage &picture, const QString &path)

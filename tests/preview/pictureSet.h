@@ -11,14 +11,17 @@ struct SetPicture
     QStringList arguments; ///< of quorvel-preview, without --output
 };
 
-/// The seven sections and the sign-in screen in both languages, and the focus page in the smallest window and
-/// in a large one.
+/// The seven sections and the sign-in screen in both languages, and the focus page in the
+/// smallest window and in a large one.
 QList<SetPicture> pictureSet();
 
-/// The picture in a form that PNG compresses well: a pixel takes over the colour of its neighbour above or to
-/// the left where no channel differs by more than 1 of 255. This undoes the dither of the background, which
-/// is noise to the compressor, and can be seen neither by a person nor by a comparison that allows for it.
-QImage withoutDither(const QImage &picture);
+/// By how much a channel of a calm picture may differ from what was drawn, of 255.
+inline constexpr int mostCalmed = 2;
+
+/// The picture in a form that PNG compresses well: a pixel takes over the colour of its neighbour to the left
+/// or above where no channel differs by more than mostCalmed. This takes away the dither of the background,
+/// which is noise to the compressor, and the finest steps of its gradients.
+QImage calm(const QImage &picture);
 
 /// Writes a PNG as small as it gets.
 Result<> writePicture(const QImage &picture, const QString &path);

@@ -1,5 +1,7 @@
 #include "windowTexts.h"
 
+#include <QFontMetricsF>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -33,6 +35,25 @@ QRectF paintedRect(const QQuickItem &item)
     return painted;
 }
 
+/// The same, but from the top of the first line's letters to the bottom of the last line's: a line's own
+/// height has room above and below that may lie anywhere.
+QRectF inkedRect(const QQuickItem &item)
+{
+    auto inked = paintedRect(item);
+    if (!item.inherits("QQuickText"))
+        return inked;
+    const QFontMetricsF metrics(item.property("font").value<QFont>());
+    const auto letters = metrics.tightBoundingRect(item.property("text").toString().simplified());
+    const auto lines = std::max(item.property("lineCount").toInt(), 1);
+    constexpr int fixedHeight = 1; // Text.FixedHeight
+    const auto given = item.property("lineHeight").toReal();
+    const bool isFixed = item.property("lineHeightMode").toInt() == fixedHeight;
+    const auto line = isFixed ? given : given * metrics.lineSpacing();
+    inked.setTop(item.baselineOffset() + letters.top());
+    inked.setBottom(item.baselineOffset() + (lines - 1) * line + letters.bottom());
+    return inked;
+}
+
 double opacityOf(const QQuickItem &item)
 {
     double opacity = 1;
@@ -49,7 +70,7 @@ QString placeOf(const QQuickItem &item)
     QStringList place;
     for (const auto *each = &item; each; each = each->parentItem()) {
         const auto name = viewNameOf(*each);
-        if (!name.isEmpty() && !textStyles.contains(name))
+        if (!name.isEmpty() && !name.startsWith(u"QQuick"_s) && !textStyles.contains(name))
             place.prepend(name);
     }
     return place.join(u'/');
@@ -64,7 +85,7 @@ WindowText describe(QQuickItem &item)
     text.font = item.property("font").value<QFont>();
     text.color = item.property("color").value<QColor>();
     text.color.setAlphaF(float(text.color.alphaF() * opacityOf(item)));
-    text.painted = item.mapRectToScene(paintedRect(item));
+    text.painted = item.mapRectToScene(inkedRect(item));
     text.seen = text.painted & clipAround(item);
     if (item.clip())
         text.seen &= item.mapRectToScene(item.clipRect());
@@ -72,26 +93,26 @@ WindowText describe(QQuickItem &item)
     return text;
 }
 
-void collect(QQuickItem &item, QList<WindowText> &found)
+void collect(QQuickItem &item, Sight sight, QList<WindowText> &found)
 {
     if (!item.isVisible() || item.opacity() <= 0)
         return;
     if (isText(item) && !item.property("text").toString().trimmed().isEmpty()) {
         const auto text = describe(item);
-        if (!text.seen.isEmpty() && text.color.alphaF() > 0)
+        if (text.color.alphaF() > 0 && (sight == Sight::All || !text.seen.isEmpty()))
             found.append(text);
     }
     const auto children = item.childItems();
     for (auto *child : children)
-        collect(*child, found);
+        collect(*child, sight, found);
 }
 
 } // namespace
 
-QList<WindowText> windowTexts(QQuickItem &root)
+QList<WindowText> windowTexts(QQuickItem &root, Sight sight)
 {
     QList<WindowText> found;
-    collect(root, found);
+    collect(root, sight, found);
     return found;
 }
 

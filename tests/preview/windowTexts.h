@@ -12,14 +12,18 @@ struct WindowText
     QString place; ///< the views around it, outermost first, as "FocusHero/ModePill"
     QColor color;  ///< its own, with what it has of opacity
     QFont font;
-    QRectF painted; ///< where its letters go, in the window
+    QRectF painted; ///< where its letters are, in the window
     QRectF seen;    ///< what is left of this and of the item's own clipping by what clips around it
     bool enabled = true;
 };
 
-/// Every text in the window that has letters and is visible and not scrolled out of sight altogether, in the
-/// order in which they are drawn.
-QList<WindowText> windowTexts(QQuickItem &root);
+enum class Sight {
+    Seen, ///< not scrolled out of sight altogether
+    All,
+};
+
+/// Every text in the window that has letters and is visible.
+QList<WindowText> windowTexts(QQuickItem &root, Sight sight = Sight::Seen);
 
 /// The name of the QML file that made an item; empty for items of Qt.
 QString viewNameOf(const QQuickItem &item);
