@@ -33,6 +33,7 @@ Panel {
         pixelSize: 68
         line: 76
         color: hero.accent
+        counting: true
         text: hero.controller.primaryTimerText
         Accessible.description: hero.controller.primaryTimerTitle
 

@@ -58,8 +58,18 @@ ColumnLayout {
                         Accessible.ignored: true
                     }
 
+                    TextMetrics { // a text that wraps tells its own width only once it has one
+                        id: oneLine
+
+                        font: value.font
+                        text: part.modelData
+                    }
+
                     CalloutText {
-                        width: Math.min(implicitWidth, parts.width - (part.index > 0 ? 13 : 0))
+                        id: value
+
+                        width: Math.min(Math.ceil(oneLine.advanceWidth) + 1,
+                                        parts.width - (part.index > 0 ? 13 : 0))
                         text: part.modelData
                         Accessible.description: line.label
                     }

@@ -18,6 +18,10 @@ class DesktopFailure(Exception):
     """A part of the desktop did not start."""
 
 
+class NotSeen(Exception):
+    """A program did not show what was looked for."""
+
+
 def wait_until(condition, seconds, what):
     """Returns the condition's first true answer; DesktopFailure names what was waited for in vain."""
     ends = time.monotonic() + seconds
@@ -45,11 +49,12 @@ def free_display():
 class VirtualDesktop:
     """`with VirtualDesktop(folder) as desktop:` starts it; `folder` is emptied and holds the home and the logs.
 
-    `environment` is what a program on this desktop runs with. Every process started here leads a process group of its
+    `screen` is its width, height and depth. `environment` is what a program on this desktop runs with. Every process started here leads a process group of its
     own and is ended through it, together with what it has started itself.
     """
 
-    def __init__(self, folder):
+    def __init__(self, folder, screen=SCREEN):
+        self._screen = screen
         self.folder = Path(folder).resolve()
         self.home = self.folder / "home"
         self.environment = {}
@@ -66,11 +71,12 @@ class VirtualDesktop:
     def __exit__(self, *problem):
         self._cleanup.close()
 
-    def start(self, name, command, **options):
+    def start(self, name, command, more_environment=None, **options):
         """Starts a program; what it says goes to logs/NAME.log. It is ended with the desktop at the latest."""
         with open(self.folder / "logs" / f"{name}.log", "ab") as log:
-            process = subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL, stdout=log, stderr=log,
-                                       start_new_session=True, cwd=self.home, **options)
+            process = subprocess.Popen(command, env=self.environment | (more_environment or {}),
+                                       stdin=subprocess.DEVNULL, stdout=log, stderr=log, start_new_session=True,
+                                       cwd=self.home, **options)
         self._cleanup.callback(self.end, process)
         return process
 
@@ -109,7 +115,7 @@ class VirtualDesktop:
     def _start_parts(self):
         display = self._start_telling(
             "xvfb", [
-                "Xvfb", free_display(), "-displayfd", "{fd}", "-screen", "0", SCREEN, "-nolisten", "tcp", "-nolisten", "local",
+                "Xvfb", free_display(), "-displayfd", "{fd}", "-screen", "0", self._screen, "-nolisten", "tcp", "-nolisten", "local",
                 "-noreset"])
         self.environment["DISPLAY"] = f":{display}"
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = self._start_telling(

@@ -27,6 +27,10 @@ FocusScope {
     width: page ? page.width : 0
     height: contentHeight
 
+    // A row that waits to be used again is only left out of the picture; assistive tools would go on reading it.
+    ListView.onPooled: visible = false
+    ListView.onReused: visible = true
+
     Accessible.role: Accessible.ListItem
     Accessible.name: accessibleName
 

@@ -14,7 +14,7 @@ from pathlib import Path
 sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
 
 from report import Report, StepFailed  # noqa: E402
-from virtualDesktop import DesktopFailure, VirtualDesktop  # noqa: E402
+from virtualDesktop import DesktopFailure, NotSeen, VirtualDesktop  # noqa: E402
 
 
 def end_by_exception(number, _frame):
@@ -41,7 +41,7 @@ def main():
             import steps
 
             steps.play(virtual, report, given.program.resolve(), given.decoy.resolve(), given.companion.resolve())
-        except (StepFailed, DesktopFailure) as problem:
+        except (StepFailed, NotSeen, DesktopFailure) as problem:
             report.give_up(str(problem))
         finally:
             status = report.close()

@@ -8,8 +8,7 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
-from report import StepFailed  # noqa: E402
-from virtualDesktop import wait_until  # noqa: E402
+from virtualDesktop import NotSeen, wait_until  # noqa: E402
 
 
 def _children(node):
@@ -17,6 +16,17 @@ def _children(node):
         child = node.get_child_at_index(number)
         if child is not None:
             yield child
+
+
+def _press_of(node, role):
+    """The number of the action that presses it; None where it has none."""
+    if role in ("label", "heading", "filler", "panel"):
+        return None
+    actions = node.get_action_iface()
+    for number in range(actions.get_n_actions() if actions else 0):
+        if Atspi.Action.get_action_name(actions, number).lower() in ("press", "toggle"):
+            return number
+    return None
 
 
 class Window:
@@ -65,7 +75,7 @@ class Window:
         return next((text for text in self.texts() if wanted.fullmatch(text)), None)
 
     def wait_for(self, pattern, seconds):
-        """The first text that matches; StepFailed with what is shown instead where there is none in time."""
+        """The first text that matches; NotSeen with what is shown instead where there is none in time."""
         ends = time.monotonic() + seconds
         while True:
             texts = self.texts()
@@ -73,7 +83,7 @@ class Window:
                 if re.fullmatch(pattern, text):
                     return text
             if time.monotonic() > ends:
-                raise StepFailed(f"no text {pattern!r} within {seconds} s; shown: {texts}")
+                raise NotSeen(f"no text {pattern!r} within {seconds} s; shown: {texts}")
             time.sleep(0.05)
 
     def moment_of(self, pattern, seconds):
@@ -85,7 +95,31 @@ class Window:
                 return before, time.monotonic()
             before = looked
             if looked - began > seconds:
-                raise StepFailed(f"no text {pattern!r} within {seconds} s; shown: {self.texts()}")
+                raise NotSeen(f"no text {pattern!r} within {seconds} s; shown: {self.texts()}")
+
+    def controls(self):
+        """All that can be pressed and shows, from top to bottom, as (item, name)."""
+        return [(node, name) for node, role, name in self.nodes() if _press_of(node, role) is not None]
+
+    def labels(self):
+        """The names of all texts that only say something, from top to bottom."""
+        return [name for _, role, name in self.nodes() if role in ("label", "heading", "static")]
+
+    def can_be_pressed(self, name):
+        """Whether the first control of that name, which must be there, is enabled."""
+        for node, text in self.controls():
+            if text == name:
+                return node.get_state_set().contains(Atspi.StateType.ENABLED)
+        raise NotSeen(f"no control {name!r}")
+
+    def press_item(self, node):
+        """Presses one of controls() through its accessible action."""
+        if not self._press(node, node.get_role_name()):
+            raise NotSeen(f"{node.get_name()!r} cannot be pressed")
+
+    def fields(self):
+        """The names of all fields that show, from top to bottom."""
+        return [name for _, role, name in self.nodes() if role == "text"]
 
     def press(self, name, seconds=10):
         """Presses the button of that name through its accessible action."""
@@ -95,7 +129,7 @@ class Window:
                 if text == name and self._press(node, role):
                     return
             time.sleep(0.1)
-        raise StepFailed(f"no button {name!r} that can be pressed")
+        raise NotSeen(f"no button {name!r} that can be pressed")
 
     def focus(self, name, seconds=10):
         """Gives the keyboard to the field of that name, wherever the page stands: the page goes to it by itself."""
@@ -106,22 +140,22 @@ class Window:
                 wait_until(lambda: self._field(name).get_state_set().contains(Atspi.StateType.FOCUSED), seconds, name)
                 return
             time.sleep(0.1)
-        raise StepFailed(f"no field {name!r} to type into")
+        raise NotSeen(f"no field {name!r} to type into")
 
     def text_of(self, name):
         """What stands in the field of that name; None where there is no such field."""
         node = self._field(name)
-        return Atspi.Text.get_text(node.get_text_iface(), 0, -1) if node is not None else None
+        if node is None:
+            return None
+        # Qt tells the ends of lines in an editor as its documents have them.
+        return Atspi.Text.get_text(node.get_text_iface(), 0, -1).replace("\u2029", "\n")
 
     def _field(self, name):
         return next((node for node, role, text in self.nodes(showing=False) if text == name and role == "text"), None)
 
     @staticmethod
     def _press(node, role):
-        if role in ("label", "filler", "panel") or not node.get_state_set().contains(Atspi.StateType.ENABLED):
+        number = _press_of(node, role)
+        if number is None or not node.get_state_set().contains(Atspi.StateType.ENABLED):
             return False
-        actions = node.get_action_iface()
-        for number in range(actions.get_n_actions() if actions else 0):
-            if Atspi.Action.get_action_name(actions, number).lower() in ("press", "toggle"):
-                return Atspi.Action.do_action(actions, number)
-        return False
+        return Atspi.Action.do_action(node.get_action_iface(), number)

@@ -1,4 +1,4 @@
-"""What Quorvel keeps on the disk: written before the demo, read after it."""
+"""What Quorvel keeps on the disk: written before it starts, read while it runs and after it."""
 
 import json
 import re
@@ -6,9 +6,22 @@ import re
 
 def write_settings(home, **settings):
     """Only what is named; everything else stays as a fresh installation has it."""
+    write_record(home, "config", settings)
+
+
+def write_record(home, name, content):
+    """A whole record file, such as "study-cards"."""
     folder = home / ".local/share/Quorvel"
-    folder.mkdir(parents=True)
-    (folder / "config.json").write_text(json.dumps(settings), encoding="utf-8")
+    folder.mkdir(parents=True, exist_ok=True)
+    (folder / f"{name}.json").write_text(json.dumps(content), encoding="utf-8")
+
+
+def write_preferences(home, **values):
+    """The values that the next start finds, and no others."""
+    folder = home / ".config/quorvel"
+    folder.mkdir(parents=True, exist_ok=True)
+    lines = [f"{key} = {json.dumps(value)}\n" for key, value in values.items()]
+    (folder / "preferences").write_text("".join(lines), encoding="utf-8")
 
 
 def read_record(home, name):
