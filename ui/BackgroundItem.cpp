@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qreal meshOfTheNet = 48; // logical pixels; finer changes nothing that can be seen
+constexpr qreal meshOfTheNet = 48; // logical pixels; the lights are linear in between
 
 struct Knot
 {

@@ -5,6 +5,8 @@
 #include <QQuickItem>
 #include <QtQml/qqmlregistration.h>
 
+#include <optional>
+
 /// Draws one shape out of a few triangles. Without a graphics processor it is a picture, drawn once for its
 /// size. Nothing is drawn again that did not change, and it is as sharp on any screen.
 class SurfaceItem : public QQuickItem

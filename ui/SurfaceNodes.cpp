@@ -10,6 +10,8 @@
 #include <QSGVertexColorMaterial>
 
 #include <memory>
+#include <optional>
+#include <vector>
 
 namespace {
 

@@ -139,7 +139,7 @@ void addShadows(const SurfaceLook &look, const std::vector<EdgePoint> &edge, qre
     const auto sigma = !style.second.isDrawn()  ? style.first.sigma
                        : !style.first.isDrawn() ? style.second.sigma
                                                 : std::min(style.first.sigma, style.second.sigma);
-    const auto step = sigma / 1.6; // linear in between; finer changes no pixel by more than one of its steps
+    const auto step = sigma / 1.6; // linear in between, which is off by 1.2 % of the shadow at most
     const auto points = refined(edge, step, 2.5 * sigma);
     const auto count = qsizetype(points.size());
     const qreal margin = style.margin();
