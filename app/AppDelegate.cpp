@@ -56,6 +56,7 @@ bool AppDelegate::applicationDidFinishLaunching()
 
 bool AppDelegate::createWindow()
 {
+    setUpDrawing();
     m_window = std::make_unique<QQuickView>();
     setUpInterface(*m_window->engine());
     connect(m_window->engine(), &QQmlEngine::quit, this, &AppDelegate::quit);

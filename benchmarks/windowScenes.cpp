@@ -391,15 +391,19 @@ Json list(double rowHeight)
 
 Json showScene(const std::string &scene, double rowHeight)
 {
+    if (scene == "bareInSoftware" || scene == "emptyInSoftware")
+        QQuickWindow::setSceneGraphBackend(u"software"_s);
     char name[] = "window";
     char *words[] = {name, nullptr};
     int count = 1;
     const QGuiApplication application(count, words);
+    if (scene != "bare" && scene != "bareInSoftware" && scene != "label" && scene != "list")
+        setUpDrawing(); // the others are Qt Quick as it comes
     if (scene == "full")
         return startOf(RealWindow(12, 5).window);
-    if (scene == "empty")
+    if (scene == "empty" || scene == "emptyInSoftware")
         return startOf(RealWindow(0, 0).window);
-    if (scene == "bare")
+    if (scene == "bare" || scene == "bareInSoftware")
         return bareWindow();
     if (scene == "ticks" || scene == "counting")
         return ticks(scene == "counting");

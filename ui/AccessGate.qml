@@ -10,6 +10,8 @@ FocusScope {
 
     required property QuorvelController controller
 
+    focus: true
+
     readonly property real outerPadding: 34
     readonly property real formWidth: 460 + 2 * AppTheme.panelPadding
 

@@ -22,16 +22,15 @@ FocusScope {
         value: view.desktopSupport.reducedMotion
     }
 
-    AppBackground {
+    AppGround {
         anchors.fill: parent
     }
 
-    AccessGate {
+    Loader {
         anchors.fill: parent
-        visible: !view.entered
-        enabled: visible
-        focus: visible
-        controller: view.controller
+        active: !view.entered // most starts never show it
+        focus: active
+        Component.onCompleted: setSource("AccessGate.qml", {"controller": view.controller})
     }
 
     // Kept while the gate is up, so that it returns as it was left.

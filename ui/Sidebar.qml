@@ -15,9 +15,12 @@ FocusScope {
 
     implicitWidth: AppTheme.sidebarWidth
 
-    Rectangle {
-        anchors.fill: parent
-        color: AppTheme.sidebarMaterial
+    Surface {
+        anchors.margins: -4 // its soft edge is out of sight
+        anchors.rightMargin: 0
+        radius: 0
+        outlineWidth: 0
+        startColor: AppTheme.sidebarMaterial
     }
 
     Rectangle {

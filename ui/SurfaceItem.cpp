@@ -1,6 +1,7 @@
 #include "SurfaceItem.h"
 
 #include "SurfaceNodes.h"
+#include "SurfacePlate.h"
 
 #include <QQuickWindow>
 #include <QSGRendererInterface>
@@ -9,6 +10,11 @@ SurfaceItem::SurfaceItem(QQuickItem *parent)
     : QQuickItem(parent)
 {
     setFlag(ItemHasContents);
+}
+
+SurfaceItem::~SurfaceItem()
+{
+    SurfacePlate::leave(this);
 }
 
 void SurfaceItem::setStartColor(const QColor &color)
@@ -33,6 +39,10 @@ QSGNode *SurfaceItem::updatePaintNode(QSGNode *old, UpdatePaintNodeData *)
         delete old;
         return nullptr;
     }
+    if (SurfacePlate::draws(window())) {
+        delete old;
+        return nullptr;
+    }
     const SurfaceLook look{style(), size(), window()->effectiveDevicePixelRatio()};
     auto *node = static_cast<SurfaceNode *>(old);
     if (!node) {
@@ -54,5 +64,10 @@ void SurfaceItem::itemChange(ItemChange change, const ItemChangeData &value)
 {
     if (change == ItemDevicePixelRatioHasChanged)
         update();
+    if (change == ItemSceneChange) {
+        SurfacePlate::leave(this);
+        if (value.window)
+            SurfacePlate::join(this);
+    }
     QQuickItem::itemChange(change, value);
 }

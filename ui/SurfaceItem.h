@@ -31,6 +31,7 @@ class SurfaceItem : public QQuickItem
 
 public:
     explicit SurfaceItem(QQuickItem *parent = nullptr);
+    ~SurfaceItem() override;
 
     qreal radius() const { return m_style.radius; }
     QColor baseColor() const { return m_style.base; }

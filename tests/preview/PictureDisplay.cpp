@@ -2,6 +2,7 @@
 
 #include "desktopParts.h"
 #include "freeDisplay.h"
+#include "setUpInterface.h"
 
 #include <QHashSeed>
 
@@ -23,6 +24,7 @@ PictureDisplay::PictureDisplay()
     qputenv("LIBGL_ALWAYS_SOFTWARE", "1");
     qputenv("QSG_RENDER_LOOP", "basic");
     qunsetenv("WAYLAND_DISPLAY");
+    setUpDrawing();
 }
 
 PictureDisplay::~PictureDisplay()

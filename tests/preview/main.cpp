@@ -3,6 +3,7 @@
 #include "PreviewWindow.h"
 #include "QmlWarnings.h"
 #include "pictureSet.h"
+#include "setUpInterface.h"
 #include "windowTexts.h"
 
 #include <QDir>
@@ -67,6 +68,7 @@ int runWindow(int argc, char **argv, const PreviewOptions &options)
     if (options.software)
         QQuickWindow::setSceneGraphBackend(u"software"_s);
     QmlWarnings warnings;
+    setUpDrawing();
     QGuiApplication application(argc, argv);
     PreviewScene scene(options.state, options.desktop, options.language);
     PreviewWindow window(scene, options.section, options.size);

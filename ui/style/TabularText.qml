@@ -16,8 +16,8 @@ Item {
     /// A digit that changes comes in from above, while the one before it goes down and fades.
     property bool counting: false
 
-    readonly property real digitCell: 0.682 * pixelSize
-    readonly property real colonCell: 0.298 * pixelSize
+    readonly property real digitCell: 0.682 * pixelSize + letterSpacing
+    readonly property real colonCell: 0.298 * pixelSize + letterSpacing
     /// Nothing rolls where nobody sees it.
     readonly property bool rolls: counting && visible && !AppTheme.reducedMotion
                                   && Window.visibility !== Window.Hidden && Window.visibility !== Window.Minimized

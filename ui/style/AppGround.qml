@@ -1,0 +1,44 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Quorvel.Ui
+
+/// All that lies under texts and icons and is mostly still: the background and the shapes at rest. It is one
+/// opaque picture, drawn anew only when something of it changes.
+Item {
+    id: ground
+
+    readonly property bool keepsPicture: GraphicsInfo.api !== GraphicsInfo.Software
+
+    Item {
+        id: layers
+
+        anchors.fill: parent
+
+        AppBackground {
+            anchors.fill: parent
+        }
+
+        SurfacePlate {
+            anchors.fill: parent
+        }
+    }
+
+    ShaderEffectSource {
+        id: picture
+
+        anchors.fill: parent
+        visible: false
+        sourceItem: ground.keepsPicture ? layers : null
+        hideSource: true
+        smooth: false
+    }
+
+    ShaderEffect {
+        readonly property ShaderEffectSource source: picture
+
+        anchors.fill: parent
+        visible: ground.keepsPicture
+        blending: false
+    }
+}
