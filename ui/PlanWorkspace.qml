@@ -38,9 +38,11 @@ PanelListPage {
             title: L10n.t("study_plan", workspace.controller.language)
             subtitle: L10n.t("study_plan_subtitle", workspace.controller.language)
 
-            RowLayout {
+            GridLayout {
                 Layout.fillWidth: true
-                spacing: 10
+                columns: workspace.room < 700 ? 1 : 2 // the example in the field is to be read whole
+                columnSpacing: 10
+                rowSpacing: AppTheme.headerGap
 
                 GlassField {
                     Layout.fillWidth: true

@@ -22,14 +22,6 @@ const QSize usual(1180, 820);
 const QSize wide(1680, 1000);
 const QSize large(3840, 2160);
 
-/// What is known and left: an example in an empty field, which the smallest window has no room for in
-/// Russian. The field's own name stays for assistive tools.
-bool isKnown(const QString &fault)
-{
-    return fault.startsWith(u"plan at 900x640: text \"Добавь конкретную задачу"_s) &&
-           fault.endsWith(u"is elided"_s);
-}
-
 /// Where an item of the window's own would be wrong.
 QQuickItem *addText(PreviewWindow &window, const QByteArray &properties)
 {
@@ -123,9 +115,6 @@ private Q_SLOTS:
             for (const auto section : sections)
                 faults += faultsOf(window, section, size);
         }
-        const auto known = faults.removeIf(isKnown);
-        const bool isKnownThere = language == AppLanguage::Russian && sections.contains(ProductSection::Plan);
-        QCOMPARE(known > 0, isKnownThere);
         faults += m_warnings.take();
         QVERIFY2(faults.isEmpty(), qPrintable(u'\n' + faults.join(u'\n')));
     }
