@@ -21,7 +21,7 @@ struct SurfaceShadow
 /// leading to the bottom trailing corner, which lies over the base colour.
 struct SurfaceStyle
 {
-    qreal radius = 16; ///< of the circle that the corner stands for
+    qreal radius = 16; ///< of the circle that the corner stands for; below 1 it counts as 1
     QColor base = Qt::transparent;
     QColor start = Qt::transparent;
     QColor middle = Qt::transparent;

@@ -68,10 +68,12 @@ std::vector<EdgePoint> cornersOf(QSizeF size, const SurfaceCorner &corner)
 
 } // namespace
 
-SurfaceCorner::SurfaceCorner(qreal radius, qreal shortSide)
-    : extent(std::max(std::min(1.528 * radius, shortSide / 2), 0.001))
-    , exponent(-1 / std::log2(1 - 0.2929 * std::min(radius, shortSide / 2) / extent))
+SurfaceCorner::SurfaceCorner(qreal given, qreal shortSide)
 {
+    // A sharper corner would turn inside out where the edge is drawn half a pixel further in.
+    const auto radius = std::max(given, 1.0);
+    extent = std::max(std::min(1.528 * radius, shortSide / 2), 0.001);
+    exponent = -1 / std::log2(1 - 0.2929 * std::min(radius, shortSide / 2) / extent);
     if (!std::isfinite(exponent) || exponent <= 1)
         exponent = 2;
 }

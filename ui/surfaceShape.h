@@ -13,8 +13,8 @@ struct SurfaceStyle;
 /// A corner whose curvature grows softly: a superellipse that meets the circle of `radius` at 45 degrees.
 struct SurfaceCorner
 {
-    qreal extent;   ///< how far from the corner the sides are straight
-    qreal exponent; ///< of the superellipse
+    qreal extent = 0;   ///< how far from the corner the sides are straight
+    qreal exponent = 2; ///< of the superellipse
 
     /// `shortSide` is that of the shape; it is above 0.
     SurfaceCorner(qreal radius, qreal shortSide);

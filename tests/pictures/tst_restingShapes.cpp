@@ -1,9 +1,12 @@
 // Shapes that rest are drawn together into one picture that is kept: nobody may see when.
 #include "PreviewWindow.h"
 #include "SurfacePlate.h"
+#include "setUpInterface.h"
 #include "windowTest.h"
 
-#include <QQuickWindow>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickView>
 
 #include <algorithm>
 
@@ -101,6 +104,45 @@ private Q_SLOTS:
         QCOMPARE(resting.size(), alone.size());
         const auto found = difference(alone, resting);
         QVERIFY2(found.isUnseen(), found.text().constData());
+    }
+
+    void aFillIsEven_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<double>("radius");
+        QTest::newRow("sidebar") << QSize(276, 640) << 0.0;
+        QTest::newRow("row") << QSize(232, 38) << 18.0;
+        QTest::newRow("panel") << QSize(844, 302) << 24.0;
+        QTest::newRow("tile") << QSize(46, 46) << 18.0;
+    }
+    void aFillIsEven()
+    {
+        QFETCH(QSize, size);
+        QFETCH(double, radius);
+        QQuickView view;
+        setUpInterface(*view.engine());
+        view.setColor(Qt::black);
+        QQmlComponent component(view.engine());
+        component.setData("import Quorvel.Ui\nSurfaceItem { startColor: '#80ffffff'; outlineWidth: 0 }",
+                          QUrl());
+        auto *shape = qobject_cast<SurfaceItem *>(component.create());
+        QVERIFY2(shape, qPrintable(component.errorString()));
+        shape->setParentItem(view.contentItem());
+        shape->setRadius(radius);
+        shape->setSize(size);
+        view.resize(size);
+        view.show();
+        const auto picture = view.grabWindow();
+        QCOMPARE(picture.size(), size);
+        const int edge = int(1.6 * radius) + 3; // beyond the corners
+        const auto fill = qGray(picture.pixel(size.width() / 2 + 1, 3));
+        QVERIFY(fill > 100);
+        for (int y = 2; y < size.height() - 2; ++y) {
+            const bool isInCorners = y < edge || y >= size.height() - edge;
+            const int from = isInCorners ? std::min(edge, size.width() / 2) : 2;
+            for (int x = from; x < size.width() - from; ++x)
+                QCOMPARE(qGray(picture.pixel(x, y)), fill);
+        }
     }
 
     void aChangedTextDisturbsNothing()
