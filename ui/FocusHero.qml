@@ -32,7 +32,6 @@ Panel {
         Layout.leftMargin: -3 // the first figure stands on the panel's edge
         pixelSize: 68
         line: 76
-        letterSpacing: -1.9
         color: hero.accent
         counting: true
         text: hero.controller.primaryTimerText

@@ -46,7 +46,6 @@ Item {
             TabularText {
                 pixelSize: 22
                 line: 28
-                letterSpacing: -0.4
                 text: box.controller.primaryTimerText
             }
         }

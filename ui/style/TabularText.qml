@@ -11,13 +11,12 @@ Item {
     required property string text
     required property int pixelSize
     property real line: pixelSize * 76 / 68
-    property real letterSpacing: 0
     property color color: AppTheme.textPrimary
     /// A digit that changes comes in from above, while the one before it goes down and fades.
     property bool counting: false
 
-    readonly property real digitCell: 0.682 * pixelSize + letterSpacing
-    readonly property real colonCell: 0.298 * pixelSize + letterSpacing
+    readonly property real digitCell: 0.682 * pixelSize
+    readonly property real colonCell: 0.298 * pixelSize
     /// Nothing rolls where nobody sees it.
     readonly property bool rolls: counting && visible && !AppTheme.reducedMotion
                                   && Window.visibility !== Window.Hidden && Window.visibility !== Window.Minimized
