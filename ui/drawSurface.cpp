@@ -49,7 +49,7 @@ private:
 
 QRgb rounded(QVector4D color)
 {
-    const auto part = [](float value) { return int(value * 255 + 0.5f); };
+    const auto part = [](float value) { return qRound(value * 255); };
     return qRgba(part(color.x()), part(color.y()), part(color.z()), part(color.w()));
 }
 

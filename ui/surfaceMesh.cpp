@@ -14,7 +14,7 @@ using Indices = std::vector<quint16>;
 
 QSGGeometry::ColoredPoint2D vertex(QPointF place, QVector4D color)
 {
-    const auto part = [](float value) { return uchar(value * 255 + 0.5f); };
+    const auto part = [](float value) { return uchar(qRound(value * 255)); };
     QSGGeometry::ColoredPoint2D point{};
     point.set(float(place.x()), float(place.y()), part(color.x()), part(color.y()), part(color.z()),
               part(color.w()));
@@ -76,7 +76,9 @@ void addFill(const SurfaceFill &fill, const Edge &edge, qreal halfPixel, Vertice
     sides[1].push_back(quint16(first + begin));
     for (const auto &side : sides)
         addPolygon(side, indices);
-    addBand(qsizetype(first), qsizetype(first + count), qsizetype(count), indices);
+    const auto inner = qsizetype(first);
+    const auto round = qsizetype(count);
+    addBand(inner, inner + round, round, indices);
 }
 
 /// A line of that width inside the edge, soft on both sides.

@@ -8,7 +8,14 @@ import Quorvel.Ui
 Item {
     id: ground
 
-    readonly property bool keepsPicture: GraphicsInfo.api !== GraphicsInfo.Software
+    property bool started: false ///< the first frame need not wait for a picture to keep
+    readonly property bool keepsPicture: started && GraphicsInfo.api !== GraphicsInfo.Software
+
+    Timer {
+        interval: 400
+        running: true
+        onTriggered: ground.started = true
+    }
 
     Item {
         id: layers
