@@ -99,7 +99,7 @@ class VirtualDesktop:
         # Sockets live here; their paths may have 107 letters at most, so it does not stand in the build folder.
         runtime = tempfile.mkdtemp(prefix="quorvel-")
         self._cleanup.callback(shutil.rmtree, runtime, ignore_errors=True)
-        kept = {name: os.environ[name] for name in ["PATH", "TZ", "USER", "LOGNAME"] if name in os.environ}
+        kept = {name: os.environ[name] for name in ["PATH", "TZ", "USER", "LOGNAME", "ASAN_OPTIONS"] if name in os.environ}
         self.environment = kept | {
             "HOME": str(self.home),
             "XDG_RUNTIME_DIR": runtime,
