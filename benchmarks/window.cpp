@@ -41,7 +41,7 @@ void measure(const QString &program, const std::string &scene, double rowHeight,
         qFatal("window: the scene %s did not come to its end", scene.c_str());
     const auto figures = nlohmann::json::parse(child.readAllStandardOutput().toStdString());
     for (const auto &[name, value] : figures.items())
-        measured[scene + "." + name].push_back(value.get<double>());
+        measured[std::string(scene).append(".").append(name)].push_back(value.get<double>());
 }
 
 void measureStart(const QString &program, Figures &figures)
