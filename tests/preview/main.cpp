@@ -57,7 +57,7 @@ Result<> makePicture(PreviewWindow &window, const PreviewOptions &options)
         return Done{};
     }
     const auto picture = window.grab();
-    return picture ? writePicture(calm(picture.value()), options.output) : Result<>(picture.failure());
+    return picture ? writePicture(picture.value(), options.output) : Result<>(picture.failure());
 }
 
 int runWindow(int argc, char **argv, const PreviewOptions &options)
@@ -92,6 +92,8 @@ int makeSet(const QString &program, const QString &folder)
         const auto path = QDir(folder).filePath(picture.name);
         if (QProcess::execute(program, picture.arguments + QStringList{u"--output"_s, path}) != 0)
             return fail(u"%1 was not made."_s.arg(path));
+        if (const auto calmed = writePicture(calm(QImage(path)), path); !calmed)
+            return fail(calmed.reason());
         printf("%s\n", qPrintable(path));
     }
     return 0;
