@@ -41,6 +41,20 @@ function(quorvel_test name)
     endif()
 endfunction()
 
+# quorvel_server_test(<tst_thing> SOURCES <more files> LINKS <targets> LABELS <labels>)
+# As quorvel_test, by GoogleTest and without Qt: for the backend service.
+function(quorvel_server_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "SOURCES;LINKS;LABELS")
+    add_executable(${name} ${name}.cpp ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE GTest::gmock_main ${arg_LINKS} quorvel_flags)
+    set_target_properties(${name} PROPERTIES AUTOMOC OFF RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    add_test(NAME ${name} COMMAND ${name})
+    if(NOT arg_TIMEOUT)
+        set(arg_TIMEOUT 60)
+    endif()
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}" ENVIRONMENT "LC_ALL=C.UTF-8")
+endfunction()
+
 # quorvel_fuzz(<fuzzThing> SOURCES <more files> LINKS <targets>)
 # Builds fuzzThing.cpp, which has LLVMFuzzerTestOneInput. The usual build replays tests/fuzz/corpus/fuzzThing as a test;
 # the preset `fuzz` links the fuzzer to it, for scripts/fuzz.sh.

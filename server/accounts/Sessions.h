@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Database.h"
+#include "Result.h"
+#include "TimeSource.h"
+
+#include <boost/asio/awaitable.hpp>
+#include <chrono>
+#include <optional>
+#include <string>
+
+/// Who is behind a token.
+struct Account
+{
+    std::int64_t id = 0;
+    std::string email;
+
+    bool operator==(const Account &) const = default;
+};
+
+/// The sessions of all accounts. Only the SHA-256 of a token is stored.
+class Sessions
+{
+public:
+    /// How long a session lasts that nobody uses: half a year, from one exam to the next.
+    static constexpr std::chrono::hours lifetime = std::chrono::days(180);
+
+    Sessions(Database &database, TimeSource now);
+
+    /// A new session for the account of that address, which is made where there is none. `provider` is
+    /// "email", "google" or "yandex". The address has passed mailAddress(). Returns the token.
+    boost::asio::awaitable<Result<std::string>> begin(std::string email, std::string provider);
+
+    /// The account of a valid token; none where there is no such session or it is over or revoked. Use within
+    /// its lifetime prolongs a session, with at most one write a day.
+    boost::asio::awaitable<Result<std::optional<Account>>> find(std::string token);
+
+    /// Ends every session of that address. Returns how many there were.
+    boost::asio::awaitable<Result<std::int64_t>> revoke(std::string email);
+    /// Ends every session there is.
+    boost::asio::awaitable<Result<std::int64_t>> revokeAll();
+
+private:
+    Database &m_database;
+    TimeSource m_now;
+};
