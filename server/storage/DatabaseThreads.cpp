@@ -49,7 +49,10 @@ DatabaseThreads::~DatabaseThreads()
         job->answer(Failure{"the service ends"});
     for (auto &worker : m_workers)
         worker->thread.join(); // the watcher still ends what hangs
-    m_haveEnded = true;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_haveEnded = true;
+    }
     m_endWake.notify_all();
 }
 
@@ -194,7 +197,7 @@ void DatabaseThreads::watch()
         std::vector<Job> late;
         {
             std::unique_lock lock(m_mutex);
-            if (m_endWake.wait_for(lock, betweenLooks, [this] { return m_haveEnded.load(); }))
+            if (m_endWake.wait_for(lock, betweenLooks, [this] { return m_haveEnded; }))
                 return;
             late = overdue();
         }

@@ -93,7 +93,7 @@ private:
     std::size_t m_together = 1; ///< jobs that a thread takes at a time
     std::size_t m_idle = 0;
     bool m_isEnding = false;
-    std::atomic<bool> m_haveEnded = false;
+    bool m_haveEnded = false; ///< all threads but the watcher
     std::vector<std::unique_ptr<Worker>> m_workers;
     std::jthread m_watcher;
 };
