@@ -6,6 +6,7 @@
 
 #include <boost/asio/awaitable.hpp>
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -41,6 +42,9 @@ public:
     boost::asio::awaitable<Result<std::int64_t>> revokeAll();
 
 private:
+    /// Only where it ends until `due`, so that of many uses at the same time one writes.
+    boost::asio::awaitable<void> prolong(std::string hash, long long due, long long expiry);
+
     Database &m_database;
     TimeSource m_now;
 };

@@ -38,6 +38,8 @@ public:
     boost::asio::awaitable<Result<Verdict>> verify(std::string email, std::string code);
 
 private:
+    std::string hashOf(const std::string &email, const std::string &code) const;
+
     Database &m_database;
     TimeSource m_now;
     std::string m_key;

@@ -18,7 +18,8 @@ struct HttpRequest
     std::string query;  ///< what follows the question mark, undecoded
     HttpHeaders headers;
     std::string body;
-    std::string clientAddress;             ///< of whoever asks, behind the proxies that are trusted
+    std::string
+        clientAddress; ///< of whoever asks, behind the proxies that are trusted: "203.0.113.7", "2001:db8::1"
     Language language = Language::English; ///< of an answer's sentences, by Accept-Language
     bool wantsJsonErrors = false;          ///< Accept names application/json
 
@@ -27,6 +28,10 @@ struct HttpRequest
 
     /// The token of "Authorization: Bearer TOKEN"; empty where there is none.
     std::string_view bearerToken() const;
+
+    /// What a limit for one client counts by: its address, or the 64 bits of an IPv6 address that its owner
+    /// cannot choose ("2001:db8::/64").
+    std::string clientNetwork() const;
 };
 
 struct HttpResponse

@@ -1,0 +1,103 @@
+#include "mailHeaders.h"
+
+#include "secrets.h"
+#include "textChecks.h"
+
+#include <algorithm>
+#include <array>
+#include <openssl/evp.h>
+#include <spdlog/fmt/fmt.h>
+
+namespace {
+
+std::string base64(std::string_view bytes)
+{
+    std::string text(4 * ((bytes.size() + 2) / 3) + 1, '\0'); // OpenSSL ends it with a zero
+    const int length = EVP_EncodeBlock(reinterpret_cast<unsigned char *>(text.data()),
+                                       reinterpret_cast<const unsigned char *>(bytes.data()),
+                                       static_cast<int>(bytes.size()));
+    text.resize(static_cast<std::size_t>(length));
+    return text;
+}
+
+bool isPlain(std::string_view text)
+{
+    constexpr std::size_t longest = 60; // with the header's name still one line of 78
+    return text.size() <= longest && text.find("=?") == std::string_view::npos &&
+           std::all_of(text.begin(), text.end(),
+                       [](char character) { return character >= ' ' && character <= '~'; });
+}
+
+/// The most whole characters from the beginning of `text` that `most` bytes hold.
+std::string_view firstBytes(std::string_view text, std::size_t most)
+{
+    std::size_t length = 0;
+    while (length < text.size()) {
+        const auto next = firstCharacters(text.substr(length), 1).size();
+        if (length + next > most)
+            break;
+        length += next;
+    }
+    return text.substr(0, length);
+}
+
+/// A name before an address: quoted where it is not only letters, digits and spaces.
+std::string displayName(std::string_view name)
+{
+    if (!isPlain(name))
+        return headerText(name);
+    std::string quoted = "\"";
+    for (const char character : name) {
+        if (character == '"' || character == '\\')
+            quoted += '\\';
+        quoted += character;
+    }
+    return quoted + '"';
+}
+
+std::string mailbox(const MailSender &sender)
+{
+    if (sender.name.empty())
+        return sender.address;
+    return fmt::format("{} <{}>", displayName(sender.name), sender.address);
+}
+
+} // namespace
+
+std::string headerText(std::string_view text)
+{
+    if (isPlain(text))
+        return std::string(text);
+    // 45 bytes are 60 characters of base64, 72 with what stands around them: RFC 2047 allows 75.
+    constexpr std::size_t bytesOfWord = 45;
+    std::string words;
+    while (!text.empty()) {
+        const auto part = firstBytes(text, bytesOfWord);
+        words += fmt::format("{}=?UTF-8?B?{}?=", words.empty() ? "" : "\r\n ", base64(part));
+        text.remove_prefix(part.size());
+    }
+    return words;
+}
+
+std::string mailDate(std::chrono::sys_seconds time)
+{
+    constexpr std::array days{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+    constexpr std::array months{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    const auto midnight = std::chrono::floor<std::chrono::days>(time);
+    const std::chrono::year_month_day date(midnight);
+    const std::chrono::hh_mm_ss clock(time - midnight);
+    return fmt::format("{}, {:02} {} {:04} {:02}:{:02}:{:02} +0000",
+                       days[std::chrono::weekday(midnight).c_encoding()], unsigned(date.day()),
+                       months[unsigned(date.month()) - 1], int(date.year()), clock.hours().count(),
+                       clock.minutes().count(), clock.seconds().count());
+}
+
+std::vector<std::string> mailHeaders(const MailSender &from, const Mail &mail, std::chrono::sys_seconds now)
+{
+    const auto domain = from.address.substr(from.address.find('@') + 1);
+    return {"From: " + mailbox(from), "To: " + mail.to, "Subject: " + headerText(mail.subject),
+            "Date: " + mailDate(now), fmt::format("Message-ID: <{}@{}>", newToken(), domain),
+            // Keeps replies of absence and the like from coming back (RFC 3834).
+            "Auto-Submitted: auto-generated"};
+}

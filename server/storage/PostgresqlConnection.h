@@ -1,0 +1,9 @@
+#pragma once
+
+#include "DatabaseConnection.h"
+
+#include <memory>
+#include <string>
+
+/// A database of PostgreSQL. libpq reads the URL.
+Result<std::unique_ptr<DatabaseEngine>> postgresqlEngine(const std::string &url);

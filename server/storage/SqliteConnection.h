@@ -1,0 +1,9 @@
+#pragma once
+
+#include "DatabaseConnection.h"
+
+#include <memory>
+#include <string>
+
+/// The database in a file of SQLite, which is made where there is none, for its owner alone.
+Result<std::unique_ptr<DatabaseEngine>> sqliteEngine(const std::string &path);
