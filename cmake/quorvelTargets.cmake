@@ -13,6 +13,8 @@ if(QUORVEL_SANITIZE)
     target_link_options(quorvel_flags INTERFACE -fsanitize=${QUORVEL_SANITIZE})
     # Asio has fences beside its locks; the thread sanitizer cannot see them and needs only the locks.
     target_compile_options(quorvel_flags INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-tsan>)
+    # Clang 14 cannot lay out the check of function types for coroutines.
+    target_compile_options(quorvel_flags INTERFACE $<$<CXX_COMPILER_ID:Clang>:-fno-sanitize=function>)
 endif()
 
 # quorvel_library(<folder library> SOURCES <files> LINKS <targets>)
@@ -58,20 +60,33 @@ function(quorvel_server_test name)
 endfunction()
 
 # quorvel_fuzz(<fuzzThing> SOURCES <more files> LINKS <targets>)
-# Builds fuzzThing.cpp, which has LLVMFuzzerTestOneInput. The usual build replays tests/fuzz/corpus/fuzzThing as a test;
+# Builds fuzzThing.cpp, which has LLVMFuzzerTestOneInput. The usual build replays corpus/fuzzThing beside it as a test;
 # the preset `fuzz` links the fuzzer to it, for scripts/fuzz.sh.
+if(QUORVEL_FUZZ)
+    add_custom_target(fuzz_targets)
+endif()
 function(quorvel_fuzz name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
     add_executable(${name} ${name}.cpp ${arg_SOURCES})
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/fuzz)
     target_link_libraries(${name} PRIVATE ${arg_LINKS} quorvel_flags)
     set_target_properties(${name} PROPERTIES AUTOMOC OFF RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    set(corpus ${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name})
     if(QUORVEL_FUZZ)
         target_link_options(${name} PRIVATE -fsanitize=fuzzer)
         add_dependencies(fuzz_targets ${name})
-        set_property(GLOBAL APPEND PROPERTY QUORVEL_FUZZ_TARGETS ${name})
+        cmake_path(RELATIVE_PATH corpus BASE_DIRECTORY ${PROJECT_SOURCE_DIR})
+        set_property(GLOBAL APPEND PROPERTY QUORVEL_FUZZ_TARGETS "${name} ${corpus}")
     else()
-        target_sources(${name} PRIVATE replay.cpp)
-        add_test(NAME ${name} COMMAND ${name} ${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name})
+        target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/fuzz/replay.cpp)
+        add_test(NAME ${name} COMMAND ${name} ${corpus})
         set_tests_properties(${name} PROPERTIES TIMEOUT 60 LABELS unit)
     endif()
+endfunction()
+
+# Writes the names of all fuzz targets and their folders of inputs for scripts/fuzz.sh.
+function(quorvel_list_fuzz_targets)
+    get_property(lines GLOBAL PROPERTY QUORVEL_FUZZ_TARGETS)
+    list(JOIN lines "\n" lines)
+    file(WRITE ${CMAKE_BINARY_DIR}/fuzz_targets.txt "${lines}\n")
 endfunction()

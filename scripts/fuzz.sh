@@ -27,11 +27,11 @@ work=build/fuzz/fuzzing
 export work
 
 fuzz() {
-    local target=$1 status=0
+    local target=$1 inputs=$2 status=0
     local log=$work/$target.log corpus=$work/$target.corpus crashes=$work/$target.crashes
     rm -rf "$corpus" "$crashes"
     mkdir -p "$corpus" "$crashes"
-    cp -r "tests/fuzz/corpus/$target/." "$corpus"
+    cp -r "$inputs/." "$corpus"
     # The target ends by itself; `timeout` is for one that hangs where the fuzzer does not see it.
     timeout --kill-after=10 $((seconds + 60)) "build/fuzz/tests/$target" "$corpus" -max_total_time="$seconds" -timeout=10 \
         -rss_limit_mb=1024 -print_final_stats=1 -artifact_prefix="$crashes/" >"$log" 2>&1 || status=$?
@@ -48,4 +48,4 @@ export -f fuzz
 
 mkdir -p "$work"
 # shellcheck disable=SC2016
-xargs -n 1 -P "$(nproc)" bash -c 'fuzz "$1"' fuzz <build/fuzz/fuzz_targets.txt
+xargs -n 2 -P "$(nproc)" bash -c 'fuzz "$1" "$2"' fuzz <build/fuzz/fuzz_targets.txt

@@ -14,7 +14,7 @@ namespace {
 
 using boost::urls::grammar::ci_is_equal;
 
-/// More than any line between two chunks needs, or the trailer behind the last.
+/// Bytes; more than a line between two chunks needs, or the trailer behind the last.
 constexpr std::size_t longestChunkLine = 4096;
 
 /// Each costs more memory than bytes came for it.
@@ -276,26 +276,41 @@ bool RequestReader::checkRequestLine(std::string_view line)
     return m_state != State::Refused;
 }
 
+/// Gives the parser the head alone, then the body; what stands between chunks in pieces of a fixed size, so
+/// that it does not matter how the bytes came.
 void RequestReader::parse(std::string_view input, std::size_t &taken)
 {
-    if (!m_parser)
+    if (m_state == State::Head) {
         m_parser = std::make_unique<Parser>(*this);
-    boost::beast::error_code error;
-    const auto count = m_parser->put(boost::asio::buffer(input.data(), input.size()), error);
-    taken += count;
-    if (m_state == State::Refused)
-        return;
-    if (!error && m_parser->is_done()) {
-        m_state = State::Whole;
-    } else if (error == http::error::need_more || !error) {
-        m_state = State::Body;
-        if (m_parser->chunked() && input.size() - count > longestChunkLine)
-            refuse(refusals::badRequest(), "chunk");
-    } else if (error == http::error::body_limit) {
-        refuse(refusals::bodyTooLarge(), "body size");
-    } else {
-        refuse(refusals::badRequest(), m_state == State::Body ? "chunk" : "malformed");
+        taken += put(input.substr(0, m_headSize));
+        input.remove_prefix(m_headSize);
     }
+    while (m_state == State::Body && !input.empty()) {
+        const auto piece = m_parser->chunked() ? input.substr(0, longestChunkLine) : input;
+        const auto count = put(piece);
+        taken += count;
+        input.remove_prefix(count);
+        if (count == 0 && m_state == State::Body && piece.size() == longestChunkLine)
+            refuse(refusals::badRequest(), "chunk");
+        if (count == 0)
+            break;
+    }
+}
+
+std::size_t RequestReader::put(std::string_view bytes)
+{
+    boost::beast::error_code error;
+    const auto count = m_parser->put(boost::asio::buffer(bytes.data(), bytes.size()), error);
+    if (m_state == State::Refused)
+        return count;
+    if (error && error != http::error::need_more)
+        refuse(error == http::error::body_limit ? refusals::bodyTooLarge() : refusals::badRequest(),
+               error == http::error::body_limit ? "body size"
+               : m_state == State::Body         ? "chunk"
+                                                : "malformed");
+    else
+        m_state = m_parser->is_done() ? State::Whole : State::Body;
+    return count;
 }
 
 void RequestReader::refuse(const Refusal &refusal, std::string_view reason)

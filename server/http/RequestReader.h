@@ -62,6 +62,7 @@ private:
     bool findHead(std::string_view input);
     bool checkRequestLine(std::string_view line);
     void parse(std::string_view input, std::size_t &taken);
+    std::size_t put(std::string_view bytes);
     void refuse(const Refusal &refusal, std::string_view reason);
     void readPreferences(std::string_view head);
 

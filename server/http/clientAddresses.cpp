@@ -74,8 +74,8 @@ ip::address canonicalAddress(const ip::address &address)
 std::optional<ip::address> canonicalAddress(std::string_view text)
 {
     const auto plain = withoutPort(text);
-    if (!plain || plain->size() > 64) // longer than any address with a scope
-        return std::nullopt;
+    if (!plain || plain->find_first_not_of("0123456789abcdefABCDEF:.") != std::string_view::npos)
+        return std::nullopt; // a scope names an interface of somebody else's machine
     boost::system::error_code error;
     const auto address = ip::make_address(std::string(*plain), error);
     if (error)

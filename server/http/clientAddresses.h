@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-/// An address as it is compared and shown everywhere: IPv4 within IPv6 is IPv4, without a scope. None where
+/// An address as it is compared and shown everywhere: IPv4 within IPv6 is IPv4. None where
 /// the text is no address; a port behind it is left out ("203.0.113.7:1234", "[2001:db8::1]:1234").
 std::optional<boost::asio::ip::address> canonicalAddress(std::string_view text);
 boost::asio::ip::address canonicalAddress(const boost::asio::ip::address &address);
