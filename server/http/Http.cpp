@@ -1,5 +1,6 @@
 #include "Http.h"
 
+#include "HttpClient.h"
 #include "clientAddresses.h"
 
 #include <boost/json/object.hpp>
@@ -38,6 +39,11 @@ std::string_view HttpRequest::bearerToken() const
 std::string HttpRequest::clientNetwork() const
 {
     return networkOf(clientAddress);
+}
+
+std::string_view HttpAnswer::header(std::string_view name) const
+{
+    return firstOf(headers, name);
 }
 
 HttpResponse refuse(const HttpRequest &request, const Refusal &refusal)
