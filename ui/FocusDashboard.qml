@@ -9,7 +9,7 @@ import Quorvel.Ui
 SectionPage {
     id: page
 
-    readonly property real planWidth: Math.max(300, Math.min(420, room * 0.34))
+    property bool whole: true ///< false leaves out the lower half, which a first frame need not wait for
 
     section: ProductSection.Focus
 
@@ -77,59 +77,11 @@ SectionPage {
             controller: page.controller
         }
 
-        GridLayout {
+        // By address: a Loader of Qt 6.4 cannot make a component that is bound to its file.
+        Loader {
             Layout.fillWidth: true
-            columns: 3
-            columnSpacing: AppTheme.tileGap
-            rowSpacing: AppTheme.tileGap
-
-            StatusChip {
-                Layout.fillWidth: true
-                Layout.fillHeight: true
-                Layout.preferredWidth: 1
-                iconName: "window"
-                title: L10n.t("active_app", page.controller.language)
-                value: page.controller.activeAppName
-            }
-
-            StatusChip {
-                Layout.fillWidth: true
-                Layout.fillHeight: true
-                Layout.preferredWidth: 1
-                iconName: "timer"
-                title: L10n.t("idle", page.controller.language)
-                value: page.controller.idleSeconds + "s"
-            }
-
-            StatusChip {
-                Layout.fillWidth: true
-                Layout.fillHeight: true
-                Layout.preferredWidth: 1
-                iconName: "blocked"
-                title: L10n.t("blocked_apps", page.controller.language)
-                value: page.controller.blockedAppSummaryText
-            }
-        }
-
-        GridLayout {
-            Layout.fillWidth: true
-            columns: page.narrow ? 1 : 2
-            columnSpacing: AppTheme.blockGap
-            rowSpacing: AppTheme.blockGap
-
-            QuizPanel {
-                Layout.fillWidth: true
-                Layout.fillHeight: true
-                controller: page.controller
-                room: page.narrow ? page.room : page.room - page.planWidth - AppTheme.blockGap
-            }
-
-            PlanPreview {
-                Layout.fillWidth: page.narrow
-                Layout.fillHeight: true
-                Layout.preferredWidth: page.narrow ? -1 : page.planWidth
-                controller: page.controller
-            }
+            active: page.whole
+            Component.onCompleted: setSource("FocusDetails.qml", {"page": page})
         }
     }
 }

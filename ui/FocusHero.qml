@@ -37,7 +37,7 @@ Panel {
         text: hero.controller.primaryTimerText
         Accessible.description: hero.controller.primaryTimerTitle
 
-        Glow {
+        GlowItem {
             anchors.centerIn: parent
             width: parent.width + 90
             height: parent.height + 90

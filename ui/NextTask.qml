@@ -24,13 +24,13 @@ ColumnLayout {
         Layout.bottomMargin: 10
         spacing: 10
 
-        Rectangle {
+        SurfaceItem {
             Layout.alignment: Qt.AlignTop
             Layout.topMargin: 7
             implicitWidth: 6
             implicitHeight: 6
             radius: 3
-            color: AppTheme.neonPurple
+            startColor: AppTheme.neonPurple
         }
 
         CalloutText {

@@ -11,6 +11,8 @@ FocusScope {
     required property DesktopSupport desktopSupport
     required property int selection
 
+    property bool seen: false ///< whether a frame of the window has been shown
+
     signal chosen(int section)
 
     Sidebar {
@@ -54,7 +56,18 @@ FocusScope {
             const given = {"controller": layout.controller, "width": width, "height": height};
             if (layout.selection === ProductSection.Rules)
                 given["desktopSupport"] = layout.desktopSupport;
+            if (layout.selection === ProductSection.Focus)
+                given["whole"] = Qt.binding(() => layout.seen);
             setSource(page, given);
+        }
+    }
+
+    Connections {
+        enabled: !layout.seen
+        target: layout.Window.window
+
+        function onFrameSwapped() {
+            layout.seen = true;
         }
     }
 

@@ -22,16 +22,15 @@ Item {
     Accessible.name: accessibleName
     Accessible.description: Math.round(progress * 100) + "%"
 
-    Rectangle {
-        anchors.fill: parent
+    Surface {
         radius: height / 2
-        color: Qt.rgba(1, 1, 1, 0.14)
+        startColor: Qt.rgba(1, 1, 1, 0.14)
     }
 
-    Rectangle {
+    SurfaceItem {
         width: parent.width * bar.progress
         height: parent.height
         radius: height / 2
-        color: bar.color
+        startColor: bar.color
     }
 }

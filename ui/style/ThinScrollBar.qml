@@ -2,6 +2,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Controls.Basic
+import Quorvel.Ui
 
 /// A thin scroller; there only while there is something to scroll.
 ScrollBar {
@@ -13,10 +14,10 @@ ScrollBar {
 
     Accessible.ignored: true // who cannot see the page does not scroll it
 
-    contentItem: Rectangle {
+    contentItem: SurfaceItem {
         implicitWidth: 6
         implicitHeight: 6
         radius: 3
-        color: Qt.rgba(1, 1, 1, bar.pressed ? 0.4 : 0.22)
+        startColor: Qt.rgba(1, 1, 1, bar.pressed ? 0.4 : 0.22)
     }
 }
