@@ -11,4 +11,5 @@ struct CoachSettings
     int perHour = 10; ///< suggestions for one account
     int perDay = 40;
     std::chrono::seconds timeout{50}; ///< for all tries together; the desktop program waits 60 s
+    int atOnce = 2000;                ///< suggestions that may be under way; beyond that it refuses at once
 };

@@ -1,5 +1,6 @@
 #include "suggestionReply.h"
 
+#include "jsonBody.h"
 #include "plainText.h"
 #include "textChecks.h"
 
@@ -14,7 +15,7 @@ bool isWithin(std::string_view text, std::size_t most)
     return characterCount(text).value_or(most + 1) <= most;
 }
 
-/// Boost's parser takes UTF-8 alone, up to 32 levels, and of two fields of the same name the last.
+/// As jsonObject(), up to 32 levels: other servers tell much about an answer that nobody needs.
 Result<json::object> objectIn(std::string_view text, const char *reason)
 {
     boost::system::error_code error;
@@ -34,13 +35,11 @@ const json::object *firstChoice(const json::object &answer)
 
 Result<std::string_view> contentOf(const json::object &choice)
 {
-    if (const auto *const reason = choice.if_contains("finish_reason");
-        reason != nullptr && reason->is_string()) {
-        if (reason->get_string() == "length")
-            return Failure{"the answer was cut off"};
-        if (reason->get_string() == "content_filter")
-            return Failure{"the answer was held back by a filter"};
-    }
+    const auto reason = textOf(choice, "finish_reason").value_or("");
+    if (reason == "length")
+        return Failure{"the answer was cut off"};
+    if (reason == "content_filter")
+        return Failure{"the answer was held back by a filter"};
     const auto *const field = choice.if_contains("message");
     const auto *const message = field != nullptr ? field->if_object() : nullptr;
     if (message == nullptr)
@@ -48,10 +47,10 @@ Result<std::string_view> contentOf(const json::object &choice)
     if (const auto *const refusal = message->if_contains("refusal");
         refusal != nullptr && !refusal->is_null())
         return Failure{"the model refused"};
-    const auto *const content = message->if_contains("content");
-    if (content == nullptr || !content->is_string())
+    const auto content = textOf(*message, "content");
+    if (!content)
         return Failure{"the message has no text"};
-    return std::string_view(content->get_string());
+    return *content;
 }
 
 /// Without the fence of three backticks that some models put around JSON.
@@ -87,14 +86,12 @@ Result<std::vector<std::string>> tasksIn(const json::object &suggestion)
 std::optional<SuggestedCard> cardIn(const json::value &item)
 {
     const auto *const card = item.if_object();
-    const auto text = [card](std::string_view name) {
-        const auto *const field = card != nullptr ? card->if_contains(name) : nullptr;
-        return field != nullptr ? field->if_string() : nullptr;
-    };
-    const auto *const topic = text("topic");
-    const auto *const prompt = text("prompt");
-    const auto *const answer = text("answer");
-    if (topic == nullptr || prompt == nullptr || answer == nullptr)
+    if (card == nullptr)
+        return std::nullopt;
+    const auto topic = textOf(*card, "topic");
+    const auto prompt = textOf(*card, "prompt");
+    const auto answer = textOf(*card, "answer");
+    if (!topic || !prompt || !answer)
         return std::nullopt;
     return SuggestedCard{plainLine(*topic), plainLine(*prompt), plainLine(*answer)};
 }
@@ -125,8 +122,8 @@ Result<std::vector<SuggestedCard>> cardsIn(const json::object &suggestion)
 
 Result<Suggestion> suggestionIn(const json::object &object)
 {
-    const auto *const message = object.if_contains("message");
-    if (message == nullptr || !message->is_string())
+    const auto message = textOf(object, "message");
+    if (!message)
         return Failure{"the suggestion has no message"};
     auto tasks = tasksIn(object);
     if (!tasks)
@@ -136,7 +133,7 @@ Result<Suggestion> suggestionIn(const json::object &object)
         return cards.error();
     if (tasks->empty() && cards->empty())
         return Failure{"the suggestion holds no task and no card"};
-    const auto text = plainLines(message->get_string());
+    const auto text = plainLines(*message);
     return Suggestion{std::string(trimmed(firstCharacters(text, suggestionBounds::message))),
                       std::move(*tasks), std::move(*cards)};
 }

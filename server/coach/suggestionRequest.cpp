@@ -1,5 +1,6 @@
 #include "suggestionRequest.h"
 
+#include "jsonBody.h"
 #include "plainText.h"
 #include "textChecks.h"
 
@@ -73,24 +74,16 @@ json::object message(std::string_view role, const std::string &content)
 
 std::optional<SuggestionRequest> readSuggestionRequest(std::string_view body)
 {
-    boost::system::error_code error;
-    const auto value = json::parse(body, error);
-    if (error || !value.is_object())
+    const auto object = jsonObject(body);
+    if (!object)
         return std::nullopt;
-    const auto text = [&value](std::string_view name) {
-        const auto *const field = value.get_object().if_contains(name);
-        return field != nullptr ? field->if_string() : nullptr;
-    };
-    const auto *const topic = text("topic");
-    const auto *const language = text("language");
-    const auto *const progress = text("progress");
-    if (topic == nullptr || language == nullptr || progress == nullptr)
-        return std::nullopt;
-    const auto known = languageOf(*language);
-    if (!known)
+    const auto topic = textOf(*object, "topic");
+    const auto language = languageOf(textOf(*object, "language").value_or(""));
+    const auto progress = textOf(*object, "progress");
+    if (!topic || !language || !progress)
         return std::nullopt;
     const auto cut = firstCharacters(*progress, SuggestionRequest::longestProgress);
-    return SuggestionRequest{plainLines(*topic), *known, plainLines(cut)};
+    return SuggestionRequest{plainLines(*topic), *language, plainLines(cut)};
 }
 
 bool isTopicTooLong(const SuggestionRequest &request)
