@@ -204,6 +204,23 @@ TEST_F(PostgresqlFaultsTest, oneThatHangsMakesFailuresInSeconds)
     EXPECT_EQ(m_files.number("SELECT count(*) FROM things WHERE number IN (1, 2)"), 2);
 }
 
+TEST_F(PostgresqlFaultsTest, oneThatHangsDoesNotKeepTheServiceFromEnding)
+{
+    EXPECT_TRUE(await(put(*m_database, 1)));
+    tellServer("freeze");
+    EXPECT_FALSE(await(put(*m_database, 2)));
+    std::atomic<bool> hasEnded = false;
+    std::jthread ending([&] {
+        m_database.reset();
+        hasEnded = true;
+    });
+    const auto limit = Clock::now() + 10s;
+    while (!hasEnded && Clock::now() < limit)
+        std::this_thread::sleep_for(10ms);
+    EXPECT_TRUE(hasEnded);
+    tellServer("thaw"); // whatever still waits for it
+}
+
 TEST_F(PostgresqlFaultsTest, aLockThatSomebodyHoldsMakesFailuresInSeconds)
 {
     const auto holder = (*databaseEngine(m_files.url()))->connection(DatabaseAccess::Write);
