@@ -70,11 +70,17 @@ std::string hmacSha256(std::string_view key, std::string_view bytes)
     return digest;
 }
 
-std::string base64url(std::string_view bytes)
+std::string base64(std::string_view bytes)
 {
     std::string text(4 * ((bytes.size() + 2) / 3) + 1, '\0'); // OpenSSL ends it with a zero
     const int length = EVP_EncodeBlock(bytesOf(text), bytesOf(bytes), static_cast<int>(bytes.size()));
     text.resize(static_cast<std::size_t>(length));
+    return text;
+}
+
+std::string base64url(std::string_view bytes)
+{
+    auto text = base64(bytes);
     for (auto &character : text) {
         if (character == '+')
             character = '-';

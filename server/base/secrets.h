@@ -20,6 +20,9 @@ std::string sha256(std::string_view bytes);
 /// 32 bytes. The key may have any length.
 std::string hmacSha256(std::string_view key, std::string_view bytes);
 
+/// base64 with padding (RFC 4648, chapter 4).
+std::string base64(std::string_view bytes);
+
 /// base64url without padding (RFC 4648, chapter 5).
 std::string base64url(std::string_view bytes);
 

@@ -5,20 +5,9 @@
 
 #include <algorithm>
 #include <array>
-#include <openssl/evp.h>
 #include <spdlog/fmt/fmt.h>
 
 namespace {
-
-std::string base64(std::string_view bytes)
-{
-    std::string text(4 * ((bytes.size() + 2) / 3) + 1, '\0'); // OpenSSL ends it with a zero
-    const int length = EVP_EncodeBlock(reinterpret_cast<unsigned char *>(text.data()),
-                                       reinterpret_cast<const unsigned char *>(bytes.data()),
-                                       static_cast<int>(bytes.size()));
-    text.resize(static_cast<std::size_t>(length));
-    return text;
-}
 
 bool isPlain(std::string_view text)
 {

@@ -1,5 +1,6 @@
 // Languages, secrets, and what may pass for a text or an address.
 #include "Language.h"
+#include "htmlText.h"
 #include "secrets.h"
 #include "textChecks.h"
 
@@ -26,6 +27,8 @@ TEST(Secrets, hashAsTheStandardsSay)
     EXPECT_EQ(hexOf(sha256("abc")), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
     EXPECT_EQ(hexOf(hmacSha256("Jefe", "what do ya want for nothing?")),
               "5bdcc146bf60754e6a042426089575c75a003f089d2739839dec58b964ec3843");
+    EXPECT_EQ(base64("foob"), "Zm9vYg==");
+    EXPECT_EQ(base64("\xfb\xff"), "+/8=");
     EXPECT_EQ(base64url("foobar"), "Zm9vYmFy");
     EXPECT_EQ(base64url("fooba"), "Zm9vYmE");
     EXPECT_EQ(base64url("\xfb\xff"), "-_8");
@@ -64,6 +67,13 @@ TEST(Secrets, areComparedWhole)
     EXPECT_FALSE(isSameSecret("abc", "abd"));
     EXPECT_FALSE(isSameSecret("abc", "ab"));
     EXPECT_FALSE(isSameSecret("", "a"));
+}
+
+TEST(Texts, endNothingInHtml)
+{
+    EXPECT_EQ(htmlText("<a href=\"x\">'&amp;'</a>"),
+              "&lt;a href=&quot;x&quot;&gt;&#39;&amp;amp;&#39;&lt;/a&gt;");
+    EXPECT_EQ(htmlText("Привет"), "Привет");
 }
 
 TEST(Texts, areCountedInCharacters)

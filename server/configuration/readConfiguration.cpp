@@ -1,0 +1,121 @@
+#include "readConfiguration.h"
+
+#include "configurationChecks.h"
+#include "options.h"
+
+#include <boost/algorithm/string/case_conv.hpp>
+#include <boost/algorithm/string/replace.hpp>
+#include <boost/program_options/errors.hpp>
+#include <boost/program_options/parsers.hpp>
+#include <boost/program_options/variables_map.hpp>
+#include <fstream>
+#include <sstream>
+
+namespace po = boost::program_options;
+
+namespace {
+
+using Problems = std::vector<std::string>;
+
+constexpr std::string_view prefix = "QUORVEL_SERVER_";
+
+/// "QUORVEL_SERVER_SMTP_HOST" is "smtp-host".
+std::string settingOf(const std::string &variable)
+{
+    auto name = boost::algorithm::to_lower_copy(variable.substr(prefix.size()));
+    boost::algorithm::replace_all(name, "_", "-");
+    return name;
+}
+
+void readEnvironment(const std::map<std::string, std::string> &environment,
+                     const po::options_description &settings, po::variables_map &read, Problems &problems)
+{
+    po::parsed_options parsed(&settings);
+    for (const auto &[variable, value] : environment) {
+        if (!variable.starts_with(prefix))
+            continue;
+        const auto name = settingOf(variable);
+        if (settings.find_nothrow(name, false))
+            parsed.options.emplace_back(name, std::vector{value});
+        else
+            problems.push_back("There is no setting for the environment variable " + variable + ".");
+    }
+    for (const auto &option : parsed.options) {
+        po::parsed_options one(&settings);
+        one.options.push_back(option);
+        try {
+            po::store(one, read);
+        } catch (const po::error &) { // its text would hold the value, which may be a secret
+            problems.push_back("The environment variable of " + option.string_key + " has no usable value.");
+        }
+    }
+}
+
+void readFile(const std::string &path, const po::options_description &settings, po::variables_map &read,
+              Problems &problems)
+{
+    std::ifstream file(path);
+    if (!file) {
+        problems.push_back("The configuration file " + path + " cannot be read.");
+        return;
+    }
+    try {
+        po::store(po::parse_config_file(file, settings), read);
+    } catch (const po::unknown_option &problem) {
+        problems.push_back("There is no setting " + problem.get_option_name() + ", which stands in " + path +
+                           ".");
+    } catch (const po::error_with_option_name &problem) {
+        problems.push_back("The setting " + problem.get_option_name() + " in " + path +
+                           " has no usable value.");
+    } catch (const po::error &) {
+        problems.push_back("A line of " + path + " is not of the form: name = value.");
+    }
+}
+
+/// Puts what stands in the files of secrets in the places of the secrets.
+void readSecretFiles(po::variables_map &read, Problems &problems)
+{
+    for (const auto &name : secretSettings()) {
+        const auto given = read.find(name + "-file");
+        if (given == read.end())
+            continue;
+        const auto path = given->second.as<std::string>();
+        std::ifstream file(path);
+        std::string line;
+        if (!std::getline(file, line)) {
+            problems.push_back("The file of " + name + ", " + path + ", cannot be read or is empty.");
+            continue;
+        }
+        if (line.ends_with('\r'))
+            line.pop_back();
+        if (!read[name].defaulted())
+            problems.push_back(name + " and " + name + "-file are both set.");
+        read.at(name).value() = line;
+    }
+}
+
+} // namespace
+
+ConfigurationResult readConfiguration(const ConfigurationSources &sources)
+{
+    RawSettings raw;
+    const auto settings = settingsInto(raw);
+    po::variables_map read;
+    Problems problems;
+    readEnvironment(sources.environment, settings, read, problems); // what is stored first counts
+    if (sources.file)
+        readFile(*sources.file, settings, read, problems);
+    po::store(po::parsed_options(&settings), read); // the presets of all others
+    readSecretFiles(read, problems);
+    po::notify(read);
+    auto made = checkedConfiguration(raw, problems);
+    return {std::move(made), std::move(problems)};
+}
+
+std::string describeSettings()
+{
+    RawSettings raw;
+    std::ostringstream out;
+    out << settingsInto(raw);
+    return out.str();
+}
