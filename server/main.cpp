@@ -7,6 +7,8 @@
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/signal_set.hpp>
 #include <boost/asio/use_future.hpp>
+#include <sys/resource.h>
+
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -93,8 +95,19 @@ int revoke(const Configuration &configuration, const CommandLine &command)
     return 0;
 }
 
+/// Each connection is a file of the process, and some systems allow 1,024 unless one asks for more.
+void allowManyConnections()
+{
+    rlimit files{};
+    if (getrlimit(RLIMIT_NOFILE, &files) != 0)
+        return;
+    files.rlim_cur = files.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &files);
+}
+
 int serve(const Configuration &configuration)
 {
+    allowManyConnections();
     std::signal(SIGPIPE, SIG_IGN); // a client that goes away is no reason to end
     asio::io_context context(1);
     const auto service = Service::create(context, configuration);

@@ -135,6 +135,10 @@ class Service:
         """Where the first instance listens."""
         return self.instances[0].address
 
+    @property
+    def database_url(self):
+        return self._database.url
+
     def log(self):
         return "".join(instance.log() for instance in self.instances)
 
