@@ -24,7 +24,7 @@ using boost::system::error_code;
 using Acceptor = asio::ip::tcp::acceptor;
 using Endpoint = asio::ip::tcp::endpoint;
 
-/// How long nothing is accepted while the system has no more files or memory to give.
+/// How long nothing is accepted after the system had no files or no memory to give.
 constexpr std::chrono::milliseconds shortagePause{100};
 
 /// How long handlers have to end after they were cancelled.
@@ -49,13 +49,6 @@ std::optional<Endpoint> endpointFrom(std::string_view text)
     if (error || problem != std::errc() || end != last || digits.empty() || address.is_v6() != isBracketed)
         return std::nullopt;
     return Endpoint(address, port);
-}
-
-bool isShortage(const error_code &error)
-{
-    return error == asio::error::no_descriptors || error == asio::error::no_memory ||
-           error == asio::error::no_buffer_space ||
-           error == boost::system::errc::make_error_code(boost::system::errc::too_many_files_open_in_system);
 }
 
 } // namespace
@@ -124,7 +117,7 @@ asio::awaitable<void> HttpServer::State::accept(std::shared_ptr<Acceptor> accept
         co_await acceptor->async_accept(socket, asio::redirect_error(asio::use_awaitable, error));
         if (!error) {
             take(std::move(socket));
-        } else if (isShortage(error)) {
+        } else if (error != asio::error::connection_aborted && error != asio::error::operation_aborted) {
             spdlog::error("no connection can be accepted for a moment: {}", error.message());
             pause.expires_after(shortagePause);
             co_await pause.async_wait(asio::redirect_error(asio::use_awaitable, error));
