@@ -47,7 +47,7 @@ constexpr std::string_view page = R"(<!DOCTYPE html>
 <tr><td style="padding:28px 32px 0;font-size:18px;font-weight:700;color:#f2f2f3">Quorvel</td></tr>
 <tr><td style="padding:20px 32px 0;font-size:16px;line-height:24px;color:#d2d2d6">{before}</td></tr>
 <tr><td style="padding:16px 32px 0">
-<div style="padding:16px 0;border-radius:12px;background-color:#090a12;text-align:center;font-size:36px;line-height:44px;font-weight:700;letter-spacing:8px;color:#6cffa8">{code}</div>
+<div style="padding:16px 0 16px 8px;border-radius:12px;background-color:#090a12;text-align:center;font-size:36px;line-height:44px;font-weight:700;letter-spacing:8px;color:#6cffa8">{code}</div>
 </td></tr>
 <tr><td style="padding:16px 32px 0;font-size:16px;line-height:24px;color:#d2d2d6">{after}</td></tr>
 <tr><td style="padding:16px 32px 28px;font-size:13px;line-height:20px;color:#a0a0a8">{notAsked}</td></tr>

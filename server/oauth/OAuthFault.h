@@ -14,6 +14,7 @@ struct OAuthFault
 };
 
 /// As for Failure: a value was taken that is not there.
+// The name is what boost::system::result calls. NOLINTNEXTLINE(readability-identifier-naming)
 [[noreturn]] inline void throw_exception_from_error(const OAuthFault &fault,
                                                     const boost::source_location &place)
 {

@@ -22,7 +22,7 @@ main { width: 100%; max-width: 420px; padding: 36px 32px; text-align: center; bo
 .brand { width: 56px; height: 56px; margin: 0 auto 20px; border-radius: 16px; display: grid; place-items: center;
   font-size: 28px; font-weight: 800; color: #fff; background: linear-gradient(135deg, #a154ff, #6c5bd6 50%, #2fae82); }
 h1 { margin: 0 0 8px; font-size: 24px; line-height: 1.25; font-weight: 700; }
-p { margin: 0; color: rgba(255, 255, 255, .72); overflow-wrap: anywhere; }
+p { margin: 0; color: rgba(255, 255, 255, .72); overflow-wrap: anywhere; text-wrap: balance; }
 .account { margin-top: 12px; color: #94ffc2; font-weight: 600; }
 a { display: block; margin: 28px 0 0; padding: 12px 20px; border-radius: 12px; font-weight: 700; text-decoration: none;
   color: #030505; background: linear-gradient(#94ffc2, #45ff8f); }
