@@ -31,7 +31,7 @@ std::unique_ptr<Mailer> mailerFor(const SmtpSettings &settings)
 Result<std::string> keyFor(const Configuration &configuration)
 {
     if (!configuration.secretKey.empty())
-        return configuration.secretKey;
+        return Result<std::string>(boost::system::in_place_value, configuration.secretKey);
     return keptSecretKey(configuration.database.url.substr(sqlite.size()) + ".key");
 }
 

@@ -64,19 +64,18 @@ std::string summaryOf(const Configuration &configuration)
     return text;
 }
 
-/// Runs one piece of work on the service's database and waits for it.
-template <class Work>
-auto onDatabase(const Configuration &configuration, Work work)
-    -> Result<typename decltype(work(std::declval<Sessions &>()))::value_type>
+/// Ends sessions and waits for that.
+Result<std::int64_t> endSessions(const Configuration &configuration, const std::optional<std::string> &email)
 {
-    asio::io_context context;
     auto database = Database::open(configuration.database);
     if (!database)
         return database.error();
+    asio::io_context context;
     Sessions sessions(**database, systemTime);
-    auto done = asio::co_spawn(context, work(sessions), asio::use_future);
+    auto ended =
+        asio::co_spawn(context, email ? sessions.revoke(*email) : sessions.revokeAll(), asio::use_future);
     context.run();
-    return done.get();
+    return ended.get();
 }
 
 int revoke(const Configuration &configuration, const CommandLine &command)
@@ -87,9 +86,7 @@ int revoke(const Configuration &configuration, const CommandLine &command)
         if (!email)
             return fail(badUsage, "That is no mail address.");
     }
-    const auto ended = onDatabase(configuration, [&email](Sessions &sessions) {
-        return email ? sessions.revoke(*email) : sessions.revokeAll();
-    });
+    const auto ended = endSessions(configuration, email);
     if (!ended)
         return fail(unavailable, ended.error().reason);
     printf("%lld sessions ended.\n", static_cast<long long>(*ended));

@@ -17,8 +17,7 @@ std::string joined(const std::vector<std::string> &texts)
 
 auto text(std::string &into, const std::string &preset = {})
 {
-    auto *value = po::value(&into);
-    return preset.empty() ? value->default_value(preset, "nothing") : value->default_value(preset);
+    return po::value(&into)->default_value(preset);
 }
 
 auto number(int &into, int preset)

@@ -5,11 +5,11 @@
 
 #include <boost/algorithm/string/case_conv.hpp>
 #include <boost/algorithm/string/replace.hpp>
+#include <boost/any.hpp>
 #include <boost/program_options/errors.hpp>
 #include <boost/program_options/parsers.hpp>
 #include <boost/program_options/variables_map.hpp>
 #include <fstream>
-#include <sstream>
 
 namespace po = boost::program_options;
 
@@ -64,12 +64,23 @@ void readFile(const std::string &path, const po::options_description &settings, 
     } catch (const po::unknown_option &problem) {
         problems.push_back("There is no setting " + problem.get_option_name() + ", which stands in " + path +
                            ".");
+    } catch (const po::invalid_syntax &) {
+        problems.push_back("A line of " + path + " is not of the form: name = value.");
     } catch (const po::error_with_option_name &problem) {
         problems.push_back("The setting " + problem.get_option_name() + " in " + path +
                            " has no usable value.");
     } catch (const po::error &) {
         problems.push_back("A line of " + path + " is not of the form: name = value.");
     }
+}
+
+/// A preset as an operator would write it.
+std::string presetOf(const boost::any &preset)
+{
+    if (const auto *number = boost::any_cast<int>(&preset))
+        return std::to_string(*number);
+    const auto *text = boost::any_cast<std::string>(&preset);
+    return text ? *text : std::string();
 }
 
 /// Puts what stands in the files of secrets in the places of the secrets.
@@ -107,6 +118,8 @@ ConfigurationResult readConfiguration(const ConfigurationSources &sources)
         readFile(*sources.file, settings, read, problems);
     po::store(po::parsed_options(&settings), read); // the presets of all others
     readSecretFiles(read, problems);
+    if (!problems.empty()) // what follows would complain about what could not be read
+        return {{}, std::move(problems)};
     po::notify(read);
     auto made = checkedConfiguration(raw, problems);
     return {std::move(made), std::move(problems)};
@@ -115,7 +128,17 @@ ConfigurationResult readConfiguration(const ConfigurationSources &sources)
 std::string describeSettings()
 {
     RawSettings raw;
-    std::ostringstream out;
-    out << settingsInto(raw);
-    return out.str();
+    std::string text;
+    const auto settings = settingsInto(raw);
+    for (const auto &setting : settings.options()) {
+        boost::any preset;
+        const bool hasPreset = setting->semantic()->apply_default(preset);
+        auto name = "  " + setting->long_name();
+        name.resize(std::max<std::size_t>(name.size() + 1, 32), ' ');
+        text += name + setting->description();
+        if (hasPreset && !presetOf(preset).empty())
+            text += " [" + presetOf(preset) + "]";
+        text += "\n";
+    }
+    return text;
 }

@@ -66,5 +66,5 @@ Result<std::string> keptSecretKey(const std::string &path)
     const auto key = secretKeyFrom(trimmed(line));
     if (!key)
         return Failure{"The service's key in " + path + " is not 64 hexadecimal digits."};
-    return *key;
+    return Result<std::string>(boost::system::in_place_value, *key);
 }

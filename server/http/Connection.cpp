@@ -251,13 +251,15 @@ asio::awaitable<bool> Connection::send(std::string_view head, std::string_view b
     co_return !error && !m_isOver;
 }
 
-/// Says that nothing more comes, and reads on a little: closing with unread bytes would take the answer away
-/// from a client that is still sending.
+/// Says that nothing more comes. Where the client is still sending, reads on a little: closing with unread
+/// bytes would take the answer away from it.
 asio::awaitable<void> Connection::finish()
 {
     error_code error;
+    const bool isStillSending =
+        m_isLate || m_reader.state() != RequestReader::State::Whole || !m_input.empty();
     m_socket.shutdown(HttpSocket::shutdown_send, error);
-    if (error)
+    if (error || (!isStillSending && m_socket.available(error) == 0))
         co_return;
     enter(Phase::Closing, closingTime);
     for (std::size_t dropped = 0; dropped < mostDropped;) {

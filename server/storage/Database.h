@@ -100,7 +100,7 @@ private:
         if constexpr (std::is_void_v<Value>)
             co_return Result<Value>();
         else
-            co_return Result<Value>(std::move(*call->value));
+            co_return Result<Value>(boost::system::in_place_value, std::move(*call->value));
     }
 
     boost::asio::awaitable<std::optional<Failure>>

@@ -17,14 +17,14 @@
 class RawClient
 {
 public:
-    explicit RawClient(std::uint16_t port)
+    /// A socket that is not connected yet.
+    RawClient()
         : m_socket(::socket(AF_INET, SOCK_STREAM, 0))
+    {}
+    explicit RawClient(std::uint16_t port)
+        : RawClient()
     {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(port);
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        m_isConnected = ::connect(m_socket, reinterpret_cast<sockaddr *>(&address), sizeof(address)) == 0;
+        connect(port);
     }
     RawClient(RawClient &&other) noexcept
         : m_socket(std::exchange(other.m_socket, -1))
@@ -32,6 +32,16 @@ public:
     {}
     RawClient(const RawClient &) = delete;
     ~RawClient() { disconnect(); }
+
+    bool connect(std::uint16_t port)
+    {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(port);
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        m_isConnected = ::connect(m_socket, reinterpret_cast<sockaddr *>(&address), sizeof(address)) == 0;
+        return m_isConnected;
+    }
 
     bool isConnected() const { return m_isConnected; }
 
@@ -105,10 +115,12 @@ public:
         }
     }
 
+    /// Whether something came, or the end, within `longest` milliseconds.
+    bool hasCome(int longest) const { return waitFor(POLLIN, longest); }
+
 private:
-    bool waitFor(short what) const
+    bool waitFor(short what, int longest = 20'000) const
     {
-        constexpr int longest = 20'000; // ms
         pollfd wanted{m_socket, what, 0};
         return ::poll(&wanted, 1, longest) > 0;
     }
