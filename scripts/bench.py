@@ -108,9 +108,10 @@ def main():
     arguments = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     arguments.add_argument("--programs", required=True, help="file with the path of one program a line")
     arguments.add_argument("--output", required=True, help="where the joined results go")
+    arguments.add_argument("--without-desktop", action="store_true", help="for programs that open no window")
     given = arguments.parse_args()
     programs = Path(given.programs).read_text(encoding="utf-8").split("\n")
-    with desktop():
+    with contextlib.nullcontext() if given.without_desktop else desktop():
         return run_all([line for line in programs if line], given.output)
 
 
