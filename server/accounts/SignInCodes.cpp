@@ -9,7 +9,7 @@
 namespace {
 
 /// How many rows a statement has changed.
-long long changed(soci::details::prepare_temp_type prepared)
+long long changed(const soci::details::prepare_temp_type &prepared)
 {
     soci::statement statement(prepared);
     statement.execute(true);

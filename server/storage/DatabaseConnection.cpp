@@ -10,6 +10,12 @@ DatabaseConnection::DatabaseConnection() = default;
 
 DatabaseConnection::~DatabaseConnection() = default;
 
+soci::session &DatabaseConnection::makeSession()
+{
+    m_session = std::make_unique<soci::session>();
+    return *m_session;
+}
+
 void DatabaseConnection::close()
 {
     m_kept.clear(); // before the session that they belong to

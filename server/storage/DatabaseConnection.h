@@ -23,7 +23,7 @@ public:
     DatabaseConnection &operator=(const DatabaseConnection &) = delete;
     virtual ~DatabaseConnection();
 
-    soci::session &session() { return *m_session; }
+    soci::session &session() const { return *m_session; }
 
     /// The one `Statement` of this connection, made from its session at the first use and prepared since: for
     /// what is asked often. It takes the session in its constructor.
@@ -67,9 +67,11 @@ public:
 protected:
     DatabaseConnection();
 
-    std::unique_ptr<soci::session> m_session;
+    /// A new session, which is not connected yet.
+    soci::session &makeSession();
 
 private:
+    std::unique_ptr<soci::session> m_session;
     std::unordered_map<std::type_index, std::shared_ptr<void>> m_kept;
 };
 

@@ -56,7 +56,7 @@ DatabaseThreads::~DatabaseThreads()
     m_endWake.notify_all();
 }
 
-void DatabaseThreads::submit(Job job)
+void DatabaseThreads::submit(const Job &job)
 {
     job->asked = DatabaseJob::Clock::now();
     std::optional<Failure> problem;

@@ -57,7 +57,7 @@ public:
     /// Answers what still waits as failed.
     ~DatabaseThreads();
 
-    void submit(Job job);
+    void submit(const Job &job);
 
 private:
     /// One thread. `running` is written by it under the mutex.

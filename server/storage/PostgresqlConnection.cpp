@@ -36,17 +36,16 @@ public:
 
     void open() override
     {
-        m_session = std::make_unique<soci::session>();
         try {
-            m_session->open(soci::postgresql, m_url);
+            makeSession().open(soci::postgresql, m_url);
             keepSocket();
-            *m_session << (m_access == DatabaseAccess::Read ? "SET default_transaction_read_only = on"
-                                                            : "SET default_transaction_read_only = off");
+            session() << (m_access == DatabaseAccess::Read ? "SET default_transaction_read_only = on"
+                                                           : "SET default_transaction_read_only = off");
             for (const auto *setting :
                  {"SET statement_timeout = '5s'", "SET lock_timeout = '3s'",
                   "SET idle_in_transaction_session_timeout = '10s'", "SET client_min_messages = warning",
                   "SET default_transaction_isolation = 'read committed'"})
-                *m_session << setting;
+                session() << setting;
         } catch (...) {
             close();
             throw;
@@ -64,22 +63,22 @@ public:
         DatabaseConnection::close();
     }
 
-    void begin() override { m_session->begin(); }
+    void begin() override { session().begin(); }
 
     void commit() override
     {
         // Such a commit would be a rollback that says it went well.
         if (PQtransactionStatus(handle()) == PQTRANS_INERROR)
             throw std::runtime_error("a statement of the transaction had failed");
-        m_session->commit();
+        session().commit();
     }
 
     void lockSchema() override
     {
         // Another instance may have much to change.
-        *m_session << "SET LOCAL statement_timeout = '120s'";
-        *m_session << "SET LOCAL lock_timeout = '120s'";
-        *m_session << schemaLock;
+        session() << "SET LOCAL statement_timeout = '120s'";
+        session() << "SET LOCAL lock_timeout = '120s'";
+        session() << schemaLock;
     }
 
     bool isLost(const std::exception &error) const override
@@ -107,7 +106,7 @@ public:
 private:
     PGconn *handle() const
     {
-        return static_cast<soci::postgresql_session_backend *>(m_session->get_backend())->conn_;
+        return static_cast<soci::postgresql_session_backend *>(session().get_backend())->conn_;
     }
 
     /// A descriptor of our own: libpq closes its one whenever it likes, and the number may be another's then.

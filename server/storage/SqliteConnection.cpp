@@ -22,27 +22,24 @@ public:
 
     void open() override
     {
-        m_session = std::make_unique<soci::session>();
         try {
-            m_session->open(soci::sqlite3, "db=\"" + m_path + "\"");
+            makeSession().open(soci::sqlite3, "db=\"" + m_path + "\"");
             sqlite_api::sqlite3_busy_timeout(handle(), busyTimeout);
             // A transaction is on the disk before it is answered: after a power cut no code counts twice and
             // no revoked session lives again.
             for (const auto *pragma :
                  {"PRAGMA journal_mode = WAL", "PRAGMA synchronous = FULL", "PRAGMA foreign_keys = ON",
                   m_access == DatabaseAccess::Read ? "PRAGMA query_only = ON" : "PRAGMA query_only = OFF"})
-                *m_session << pragma;
+                session() << pragma;
         } catch (...) {
             close();
             throw;
         }
     }
 
-    ~SqliteConnection() override { close(); }
-
     // Immediate: two that read first and write then would each refuse the other.
-    void begin() override { *m_session << "BEGIN IMMEDIATE"; }
-    void commit() override { *m_session << "COMMIT"; }
+    void begin() override { session() << "BEGIN IMMEDIATE"; }
+    void commit() override { session() << "COMMIT"; }
     void lockSchema() override {} // nobody else writes
 
     void settle() override
@@ -65,7 +62,7 @@ public:
 private:
     sqlite_api::sqlite3 *handle() const
     {
-        return static_cast<soci::sqlite3_session_backend *>(m_session->get_backend())->conn_;
+        return static_cast<soci::sqlite3_session_backend *>(session().get_backend())->conn_;
     }
 
     std::string m_path;

@@ -199,6 +199,7 @@ def main(command):
     if not command:
         print(__doc__, file=sys.stderr)
         return 2
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))  # so that the server is ended, frozen or not
     with tempfile.TemporaryDirectory(prefix="quorvel-pg-") as folder, Cluster() as cluster:
         control = os.path.join(folder, "control")
         with socket.socket(socket.AF_UNIX) as listener:

@@ -333,6 +333,30 @@ TEST(SqliteFile, isWrittenToTheDiskBeforeItIsAnswered)
     EXPECT_EQ(*await(database->read(settings)), "wal21");
 }
 
+TEST(SqliteFile, letsNobodyWriteBetweenTheReadAndTheWriteOfATransaction)
+{
+    const TestDatabase files("Sqlite");
+    files.direct("CREATE TABLE things (number INTEGER)");
+    const auto first = files.open();
+    const auto second = files.open();
+    const auto putNext = [](Database &database) -> boost::asio::awaitable<Result<>> {
+        auto work = [](DatabaseConnection &connection) {
+            int number = 0;
+            connection.session() << "SELECT count(*) FROM things", soci::into(number);
+            connection.session() << "INSERT INTO things (number) VALUES (:n)", soci::use(number, "n");
+        };
+        co_return co_await database.write(work);
+    };
+    for (int round = 0; round < 20; ++round) {
+        std::vector<boost::asio::awaitable<Result<>>> tasks;
+        tasks.push_back(putNext(*first));
+        tasks.push_back(putNext(*second));
+        for (const auto &done : awaitAll(std::move(tasks)))
+            EXPECT_TRUE(done.has_value());
+    }
+    EXPECT_EQ(files.number("SELECT count(DISTINCT number) FROM things"), 40);
+}
+
 TEST(SqliteFile, thatIsNoneIsRefused)
 {
     const TestDatabase files("Sqlite");

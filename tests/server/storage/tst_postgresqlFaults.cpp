@@ -135,6 +135,23 @@ TEST_F(PostgresqlFaultsTest, aConnectionThatAnOperatorEndsGoesUnnoticed)
     EXPECT_EQ(*await(count(*m_database)), 16);
 }
 
+TEST_F(PostgresqlFaultsTest, aTransactionWhoseEndIsUnknownIsAFailureAndNotRepeated)
+{
+    m_files.direct("CREATE FUNCTION leave() RETURNS trigger LANGUAGE plpgsql AS "
+                   "'BEGIN PERFORM pg_terminate_backend(pg_backend_pid()); RETURN NULL; END'");
+    m_files.direct("CREATE CONSTRAINT TRIGGER leaving AFTER INSERT ON things DEFERRABLE INITIALLY DEFERRED "
+                   "FOR EACH ROW EXECUTE FUNCTION leave()"); // within the commit
+    std::atomic<int> runs = 0;
+    auto work = [&runs](DatabaseConnection &connection) {
+        ++runs;
+        connection.session() << "INSERT INTO things (number) VALUES (1)";
+    };
+    const auto done = await(m_database->write(work));
+    ASSERT_FALSE(done);
+    EXPECT_THAT(done.error().reason, HasSubstr("while a transaction ended"));
+    EXPECT_EQ(runs, 1);
+}
+
 TEST_F(PostgresqlFaultsTest, restartsUnderLoadLoseAndDoubleNothing)
 {
     Load load(*m_database);
@@ -208,7 +225,11 @@ TEST_F(PostgresqlFaultsTest, oneThatHangsDoesNotKeepTheServiceFromEnding)
 {
     EXPECT_TRUE(await(put(*m_database, 1)));
     tellServer("freeze");
-    EXPECT_FALSE(await(put(*m_database, 2)));
+    std::vector<boost::asio::awaitable<Result<>>> tasks;
+    for (int number = 0; number < 4; ++number) // for the thread that is connected too
+        tasks.push_back(put(*m_database, number));
+    for (const auto &done : awaitAll(std::move(tasks)))
+        EXPECT_FALSE(done);
     std::atomic<bool> hasEnded = false;
     std::jthread ending([&] {
         m_database.reset();
