@@ -343,6 +343,9 @@ TEST(HttpServer, answersForAHandlerThatTakesTooLong)
     EXPECT_TRUE(comesTrue([&] { return server.figure("quorvel_http_connections") == "0"; }));
     EXPECT_EQ(server.figure("quorvel_http_requests_total{method=\"GET\",route=\"/gate\",status=\"504\"}"),
               "1");
+    EXPECT_EQ(server.figure("quorvel_http_requests_total{method=\"GET\",route=\"/gate\",status=\"200\"}"),
+              "(none)")
+        << "it is answered once";
 }
 
 TEST(HttpServer, letsAHandlerEndItsWorkWhoseClientHasGone)
