@@ -69,7 +69,7 @@ QNetworkRequest onTheWire(const BackendRequest &request)
     wire.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
     wire.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
     wire.setRawHeader("User-Agent", "Quorvel/" QUORVEL_VERSION);
-    wire.setRawHeader("Accept-Language", "*");
+    wire.setRawHeader("Accept-Language", request.language);
     wire.setRawHeader("Connection", "close");
     if (request.body) {
         wire.setRawHeader("Content-Type", "application/json");

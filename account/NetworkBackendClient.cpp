@@ -1,5 +1,6 @@
 #include "NetworkBackendClient.h"
 
+#include "AppLanguage.h"
 #include "BackendCall.h"
 #include "backendURL.h"
 #include "preferenceKeys.h"
@@ -33,15 +34,19 @@ void NetworkBackendClient::postJSON(const QString &path, const QJsonObject &body
     start({.url = backendURL(m_preferences, path),
            .body = QJsonDocument(body).toJson(QJsonDocument::Compact),
            .authorization = authorization(),
+           .language = language(),
            .timeout = m_timeouts.post},
           std::move(done));
 }
 
 void NetworkBackendClient::getJSON(const QString &path, Done done)
 {
-    start(
-        {.url = backendURL(m_preferences, path), .body = {}, .authorization = {}, .timeout = m_timeouts.get},
-        std::move(done));
+    start({.url = backendURL(m_preferences, path),
+           .body = {},
+           .authorization = {},
+           .language = language(),
+           .timeout = m_timeouts.get},
+          std::move(done));
 }
 
 /// Goes without where the token cannot be sent as it is: the backend then asks to sign in, which works.
@@ -55,6 +60,12 @@ QByteArray NetworkBackendClient::authorization() const
         return {};
     }
     return "Bearer " + token.toLatin1();
+}
+
+QByteArray NetworkBackendClient::language() const
+{
+    const auto stored = m_preferences.get<QString>(PreferenceKeys::language()).value_or(QString());
+    return rawValue(appLanguageFromRawValue(stored).value_or(AppLanguage::English)).toLatin1();
 }
 
 void NetworkBackendClient::start(BackendRequest request, Done done)

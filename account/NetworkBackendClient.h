@@ -32,6 +32,7 @@ public:
 
 private:
     QByteArray authorization() const;
+    QByteArray language() const;
     void start(BackendRequest request, Done done);
 
     Preferences &m_preferences;

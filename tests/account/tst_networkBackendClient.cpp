@@ -32,11 +32,12 @@ class TestNetworkBackendClient : public QObject
 
     BackendStage m_stage;
 
-    QByteArray received(const QByteArray &line, const QByteArray &headers, const QByteArray &body)
+    QByteArray received(const QByteArray &line, const QByteArray &headers, const QByteArray &body,
+                        const QByteArray &language = "en")
     {
         return line + " HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(m_stage.server.port()) +
-               "\r\nUser-Agent: Quorvel/0.1.0\r\nAccept-Language: *\r\nConnection: close\r\n" + headers +
-               "Accept-Encoding: " + acceptedEncodings() + "\r\n\r\n" + body;
+               "\r\nUser-Agent: Quorvel/0.1.0\r\nAccept-Language: " + language + "\r\nConnection: close\r\n" +
+               headers + "Accept-Encoding: " + acceptedEncodings() + "\r\n\r\n" + body;
     }
     /// Depends on what the system's Qt can unpack.
     QByteArray acceptedEncodings()
@@ -69,6 +70,17 @@ private Q_SLOTS:
         QCOMPARE(m_stage.server.requests(),
                  QList{received("POST /api/answer/200/7b7d",
                                 "Content-Type: application/json\r\nContent-Length: 2\r\n", "{}")});
+    }
+
+    void refusalsAreAskedForInTheLanguageOfTheProgram()
+    {
+        for (const auto &stored : {u"ru"_s, u"en"_s, u"de"_s}) { // unknown: the window is English
+            m_stage.preferences.values[PreferenceKeys::language()] = stored;
+            m_stage.get(answerPath(200, "{}"));
+        }
+        const QByteArray line = "GET /api/answer/200/7b7d";
+        QCOMPARE(m_stage.server.requests(),
+                 (QList{received(line, "", "", "ru"), received(line, "", ""), received(line, "", "")}));
     }
 
     void anEmptyTokenIsNone()
