@@ -15,6 +15,7 @@ struct Failure
 };
 
 /// What boost::system::result calls where a value is taken that is not there: a mistake of ours.
+// NOLINTNEXTLINE(readability-identifier-naming): Boost names it
 [[noreturn]] inline void throw_exception_from_error(const Failure &failure,
                                                     const boost::source_location &place)
 {

@@ -1,4 +1,5 @@
-// A real OpenID provider on loopback that signs in one person at once. Needs `npm ci` in this folder.
+// A real OpenID provider on loopback that signs in one person at once. scripts/providers.sh puts it
+// beside the packages it needs.
 //
 //     node openIdProvider.js --client ID --secret SECRET --redirect URL [--email ADDRESS] [--unverified] [--deny] [--basic]
 //

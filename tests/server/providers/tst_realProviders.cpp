@@ -147,13 +147,13 @@ struct RealOpenId : RealProviders
 {
     void SetUp() override
     {
-        if (!std::filesystem::exists(SERVER_PROVIDERS "/node_modules/oidc-provider"))
+        if (!std::filesystem::exists(OPENID_PROVIDER "/node_modules/oidc-provider"))
             GTEST_SKIP()
-                << "not run: there is no oidc-provider; `npm ci` in tests/server/providers brings it";
+                << "not run: there is no oidc-provider; scripts/providers.sh brings it";
     }
     static ProviderProgram program(const std::vector<std::string> &options = {})
     {
-        return {{"node", SERVER_PROVIDERS "/openIdProvider.js"}, "google", options};
+        return {{"node", OPENID_PROVIDER "/openIdProvider.js"}, "google", options};
     }
 };
 
