@@ -5,15 +5,13 @@ import os
 
 import walker
 from backend import Backend
+from browser import install_browser
 from records import read_preferences
 from texts import said
 from walker import WalkTest
 
-# Plays the user's browser: keeps the address it was given and goes to the one that ends the sign-in.
-BROWSER = """#!/bin/sh
-echo "$1" >>"{addresses}"
-exec "{program}" "quorvel://auth?session=browser-token&email=eve%40example.org&provider=google"
-"""
+# How the browser of this file ends the sign-in, whatever page it was sent to.
+SIGN_IN = 'exec "{program}" "quorvel://auth?session=browser-token&email=eve%40example.org&provider=google"'
 
 
 class SignIn(WalkTest):
@@ -24,19 +22,6 @@ class SignIn(WalkTest):
     def open(self, **preferences):
         self.walker.open(backendBaseURL=self.backend.address, **preferences)
         self.walker.shows(said("continue_guest", preferences.get("language", "en")))
-
-    def install_browser(self, addresses):
-        """Makes the one of this file the desktop's browser."""
-        program = self.walker.desktop.folder / "browser"
-        program.write_text(BROWSER.format(addresses=addresses, program=os.environ["QUORVEL_PROGRAM"]), encoding="utf-8")
-        program.chmod(0o755)
-        entry = self.walker.home / ".local/share/applications/browser.desktop"
-        entry.parent.mkdir(parents=True)
-        entry.write_text(f"[Desktop Entry]\nType=Application\nName=Browser\nExec={program} %u\n"
-                         "MimeType=x-scheme-handler/https;\n", encoding="utf-8")
-        choice = self.walker.home / ".config/mimeapps.list"
-        choice.parent.mkdir(parents=True)
-        choice.write_text("[Default Applications]\nx-scheme-handler/https=browser.desktop\n", encoding="utf-8")
 
     def preferences(self):
         return {key: value for key, value in read_preferences(self.walker.home).items()
@@ -94,8 +79,7 @@ class SignIn(WalkTest):
 
     def test_throughTheBrowser(self):
         walk, backend = self.walker, self.backend
-        addresses = walk.desktop.folder / "addresses"
-        self.install_browser(addresses)
+        addresses = install_browser(walk, SIGN_IN.format(program=os.environ["QUORVEL_PROGRAM"]))
         self.open(language="ru")
         backend.answers["/auth/yandex/start"] = (200, {"url": 7})
         walk.window.press(said("yandex_sign_in", "ru"))
