@@ -339,7 +339,7 @@ class Systemd(InFolder):
         self.assertEqual((0, ""), (told.returncode, told.stdout))
 
     def test_the_unit_leaves_little_open(self):
-        told = self.analyze("security", "--offline=true", "--threshold=20")
+        told = self.analyze("security", "--offline=true", "--threshold=15")  # 1.5 of 10
         self.assertEqual(0, told.returncode, told.stdout)
 
 
