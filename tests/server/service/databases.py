@@ -1,7 +1,9 @@
 """An empty database for one test: a SQLite file, or one of PostgreSQL where QUORVEL_TEST_POSTGRESQL names a server."""
 
+import contextlib
 import os
 import secrets
+import sqlite3
 import subprocess
 from urllib.parse import urlsplit, urlunsplit
 
@@ -29,5 +31,18 @@ class Database:
         if self._server:
             self._order(f'DROP DATABASE "{self._name}" WITH (FORCE)')
 
+    def change(self, statement):
+        """Carries out one statement, as a clock that runs or an operator would. Returns its rows, as texts."""
+        if self._server:
+            told = self._psql(self.url, statement, "--tuples-only", "--no-align", "--field-separator=\t")
+            return [tuple(line.split("\t")) for line in told.splitlines()]
+        with contextlib.closing(sqlite3.connect(self.url.removeprefix("sqlite:"), timeout=20)) as connection, connection:
+            return [tuple(map(str, row)) for row in connection.execute(statement)]
+
     def _order(self, statement):
-        subprocess.run(["psql", "--no-psqlrc", "--quiet", "--dbname", self._server, "--command", statement], check=True)
+        self._psql(self._server, statement)
+
+    @staticmethod
+    def _psql(url, statement, *options):
+        command = ["psql", "--no-psqlrc", "--quiet", "--set=ON_ERROR_STOP=1", *options, "--dbname", url, "--command", statement]
+        return subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True).stdout

@@ -1,6 +1,7 @@
 """HTTP by its bytes: what is sent is sent as it is, and what comes back is held to the grammar."""
 
 import re
+import select
 import socket
 import ssl
 import time
@@ -36,13 +37,14 @@ class Answer:
 
 
 class Connection:
-    """`with Connection(address) as connection:`; `address` is (host, port). `authorities` is a PEM file, for TLS.
+    """`with Connection(address) as connection:`; `address` is (host, port). `authorities` is a PEM file, for TLS; `source`
+    is the host to ask from, where it matters.
 
     An answer must be there whole within `seconds`, else TimeoutError.
     """
 
-    def __init__(self, address, seconds=SECONDS_TO_ANSWER, authorities=None):
-        self._socket = socket.create_connection(address, timeout=seconds)
+    def __init__(self, address, seconds=SECONDS_TO_ANSWER, authorities=None, source=None):
+        self._socket = socket.create_connection(address, timeout=seconds, source_address=(source, 0) if source else None)
         if authorities:
             context = ssl.create_default_context(cafile=authorities)
             self._socket = context.wrap_socket(self._socket, server_hostname=address[0])
@@ -70,6 +72,10 @@ class Connection:
                 return start
             time.sleep(seconds_between)
         return len(data)
+
+    def says_something_within(self, seconds):
+        """Whether the other side has sent something or hung up by then. Not for TLS."""
+        return bool(self._read or select.select([self._socket], [], [], seconds)[0])
 
     def end_sending(self):
         self._socket.shutdown(socket.SHUT_WR)

@@ -82,6 +82,18 @@ class Instance:
         return int(found[1]) if found else None
 
 
+def environment_with(settings):
+    """The process's own environment with these settings, each name without its QUORVEL_SERVER_."""
+    own = {name: value for name, value in os.environ.items() if not name.startswith("QUORVEL_")}
+    return own | {f"QUORVEL_SERVER_{name}": str(value) for name, value in settings.items()}
+
+
+def run_program(arguments, environment, folder):
+    """The program to its end. Returns what subprocess.run does, with its output and its errors as texts."""
+    return subprocess.run([os.environ[PROGRAM], *arguments], env=environment, cwd=folder, stdin=subprocess.DEVNULL,
+                          capture_output=True, encoding="utf-8", timeout=SECONDS_TO_START, check=False)
+
+
 class Service:
     """`with Service(COACH_URL=..., ...) as service:` starts `instances` of them with these settings, each name without
     its QUORVEL_SERVER_. At the end they are stopped, must end well, and must not have written what keep_secret() named.
@@ -123,12 +135,16 @@ class Service:
 
     def start(self):
         """One instance more."""
-        environment = {name: value for name, value in os.environ.items() if not name.startswith("QUORVEL_")}
-        environment |= {f"QUORVEL_SERVER_{name}": str(value) for name, value in self._settings.items()}
-        environment["QUORVEL_SERVER_DATABASE"] = self._database.url
-        instance = Instance(self.folder, environment)
+        instance = Instance(self.folder, self._environment())
         self.instances.append(instance)
         return instance
+
+    def command(self, *arguments):
+        """What an operator does beside the instances: the program with their settings and these arguments, to its end."""
+        return run_program(arguments, self._environment(), self.folder)
+
+    def _environment(self):
+        return environment_with(self._settings | {"DATABASE": self._database.url})
 
     @property
     def address(self):
@@ -139,8 +155,20 @@ class Service:
     def database_url(self):
         return self._database.url
 
+    def change(self, statement):
+        """Changes or reads the database by one statement. Returns its rows, as texts."""
+        return self._database.change(statement)
+
     def log(self):
         return "".join(instance.log() for instance in self.instances)
+
+    def code_sent_to(self, email, instance=0):
+        """The newest code for that address on the console of an instance."""
+        output = self.instances[instance].output
+        found = re.findall(rf"^To: {re.escape(email)}\nSubject: ([0-9]{{6}})", output.read_text(encoding="utf-8"), re.MULTILINE)
+        if not found:
+            raise ServiceFailure(f"no code was sent to {email}")
+        return found[-1]
 
     def keep_secret(self, text):
         """From now on the log must not hold it, at the end."""
