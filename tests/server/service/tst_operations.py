@@ -309,6 +309,18 @@ class BehindNginx(InFolder):
         for path in ("/metrics", "/readyz", "/api/../metrics", "/api/%2e%2e/metrics", "//metrics", "/healthz/../metrics"):
             self.assertEqual(404, self.ask("GET", path).status, path)
 
+    def test_what_nginx_itself_refuses_is_a_sentence_too(self):
+        def told(body):
+            answers = [self.ask("POST", START, [("Accept-Language", language)], body) for language in ("en", "ru-RU,ru;q=0.9")]
+            self.assertEqual({"text/plain; charset=utf-8"}, {answer.header("Content-Type") for answer in answers})
+            return [(answer.status, answer.text) for answer in answers]
+
+        self.assertEqual([(413, "The request is too large. Shorten the text and try again."),
+                          (413, "Запрос слишком большой. Сократи текст и попробуй ещё раз.")], told({"email": "a" * 70000}))
+        self.service.instances[0].stop()
+        self.assertEqual([(503, "The service cannot be reached right now. Try again in a minute."),
+                          (503, "Сервис сейчас недоступен. Попробуй ещё раз через минуту.")], told({"email": "a@example.org"}))
+
     def test_a_callback_leaves_no_trace_of_its_code(self):
         self.ask("GET", "/api/auth/google/callback?state=a-state-of-the-test&code=a-code-of-the-test")
         written = [path for path in self.folder.rglob("*") if path.is_file() and b"of-the-test" in path.read_bytes()]
