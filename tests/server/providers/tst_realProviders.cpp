@@ -148,8 +148,7 @@ struct RealOpenId : RealProviders
     void SetUp() override
     {
         if (!std::filesystem::exists(OPENID_PROVIDER "/node_modules/oidc-provider"))
-            GTEST_SKIP()
-                << "not run: there is no oidc-provider; scripts/providers.sh brings it";
+            GTEST_SKIP() << "not run: there is no oidc-provider; scripts/providers.sh brings it";
     }
     static ProviderProgram program(const std::vector<std::string> &options = {})
     {
