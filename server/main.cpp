@@ -7,14 +7,13 @@
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/signal_set.hpp>
 #include <boost/asio/use_future.hpp>
-#include <sys/resource.h>
-
 #include <csignal>
 #include <cstdio>
 #include <exception>
 #include <map>
 #include <spdlog/sinks/stdout_sinks.h>
 #include <spdlog/spdlog.h>
+#include <sys/resource.h>
 
 namespace asio = boost::asio;
 
@@ -91,7 +90,7 @@ int revoke(const Configuration &configuration, const CommandLine &command)
     const auto ended = endSessions(configuration, email);
     if (!ended)
         return fail(unavailable, ended.error().reason);
-    printf("%lld sessions ended.\n", static_cast<long long>(*ended));
+    printf("sessions ended: %lld\n", static_cast<long long>(*ended));
     return 0;
 }
 

@@ -71,12 +71,12 @@ Sessions::Sessions(Database &database, TimeSource now)
     , m_now(std::move(now))
 {}
 
-boost::asio::awaitable<Result<std::string>> Sessions::begin(std::string email, std::string provider)
+Sessions::NewSession Sessions::prepare(const std::string &email, const std::string &provider) const
 {
     const auto now = storedTime(m_now());
     const auto expiry = storedTime(m_now() + lifetime);
     auto token = newToken();
-    auto work = [email, provider, now, expiry, hash = hashOf(token)](DatabaseConnection &connection) {
+    auto store = [email, provider, now, expiry, hash = hashOf(token)](DatabaseConnection &connection) {
         auto &session = connection.session();
         const auto account = accountFor(session, email, now);
         session << "INSERT INTO sessions (token_hash, account_id, provider, created_at, expires_at) "
@@ -84,11 +84,17 @@ boost::asio::awaitable<Result<std::string>> Sessions::begin(std::string email, s
             soci::use(hash, "hash"), soci::use(account, "account"), soci::use(provider, "provider"),
             soci::use(now, "now"), soci::use(expiry, "expiry");
     };
-    const auto begun = co_await m_database.write(work);
+    return {std::move(token), std::move(store)};
+}
+
+boost::asio::awaitable<Result<std::string>> Sessions::begin(std::string email, std::string provider)
+{
+    auto made = prepare(email, provider);
+    const auto begun = co_await m_database.write(made.store);
     if (!begun)
         co_return begun.error();
     co_return Result<std::string>(boost::system::in_place_value,
-                                  std::move(token)); // a Failure is made of a text too
+                                  std::move(made.token)); // a Failure is made of a text too
 }
 
 boost::asio::awaitable<Result<std::optional<Account>>> Sessions::find(std::string token)

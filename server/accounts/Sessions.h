@@ -7,6 +7,7 @@
 #include <boost/asio/awaitable.hpp>
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -28,8 +29,18 @@ public:
 
     Sessions(Database &database, TimeSource now);
 
+    /// A session that counts from when `store` has run in somebody's transaction.
+    struct NewSession
+    {
+        std::string token;
+        std::function<void(DatabaseConnection &)> store;
+    };
+
     /// A new session for the account of that address, which is made where there is none. `provider` is
-    /// "email", "google" or "yandex". The address has passed mailAddress(). Returns the token.
+    /// "email", "google" or "yandex". The address has passed mailAddress().
+    NewSession prepare(const std::string &email, const std::string &provider) const;
+
+    /// The same, stored at once. Returns the token.
     boost::asio::awaitable<Result<std::string>> begin(std::string email, std::string provider);
 
     /// The account of a valid token; none where there is no such session or it is over or revoked. Use within

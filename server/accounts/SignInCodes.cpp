@@ -74,26 +74,29 @@ boost::asio::awaitable<Result<>> SignInCodes::discard(std::string email)
     co_return co_await m_database.write(work);
 }
 
-boost::asio::awaitable<Result<SignInCodes::Verdict>> SignInCodes::verify(std::string email, std::string code)
+boost::asio::awaitable<Result<SignInCodes::Verification>>
+SignInCodes::verify(std::string email, std::string code, std::function<void(DatabaseConnection &)> whenRight)
 {
     const auto now = storedTime(m_now());
-    auto work = [email, now, given = hashOf(email, code)](DatabaseConnection &connection) {
+    auto work = [email, now, whenRight, given = hashOf(email, code)](DatabaseConnection &connection) {
         auto &session = connection.session();
         const int most = attempts;
         // Others who try the same code wait here until this transaction is over.
         if (changed((session.prepare << "UPDATE sign_in_codes SET attempts = attempts + 1 "
                                         "WHERE email = :email AND attempts < :most AND expires_at > :now",
                      soci::use(email, "email"), soci::use(most, "most"), soci::use(now, "now"))) != 1)
-            return Verdict::Wrong;
+            return Verification{Verdict::Wrong, false};
         std::string stored;
         session << "SELECT code_hash FROM sign_in_codes WHERE email = :email", soci::use(email, "email"),
             soci::into(stored);
         if (!isSameSecret(stored, given))
-            return Verdict::Wrong;
+            return Verification{Verdict::Wrong, true};
         // The row stays: it tells when another code may be sent.
         session << "UPDATE sign_in_codes SET code_hash = '', attempts = :most WHERE email = :email",
             soci::use(most, "most"), soci::use(email, "email");
-        return Verdict::Right;
+        if (whenRight)
+            whenRight(connection);
+        return Verification{Verdict::Right, true};
     };
     co_return co_await m_database.write(work);
 }

@@ -6,6 +6,7 @@
 
 #include <boost/asio/awaitable.hpp>
 #include <chrono>
+#include <functional>
 #include <string>
 #include <variant>
 
@@ -24,6 +25,11 @@ public:
         std::chrono::seconds wait;
     };
     enum class Verdict { Right, Wrong };
+    struct Verification
+    {
+        Verdict verdict = Verdict::Wrong;
+        bool isCompared = false; ///< false where there was no code, or none that still counted
+    };
 
     /// `key` is the service's secret, of at least 32 bytes.
     SignInCodes(Database &database, TimeSource now, std::string key);
@@ -35,7 +41,9 @@ public:
     boost::asio::awaitable<Result<>> discard(std::string email);
 
     /// Right once only. An attempt counts before it is compared, so that no two at the same time are one.
-    boost::asio::awaitable<Result<Verdict>> verify(std::string email, std::string code);
+    /// `whenRight` runs in the same transaction, so that a code is used up only where it led to something.
+    boost::asio::awaitable<Result<Verification>>
+    verify(std::string email, std::string code, std::function<void(DatabaseConnection &)> whenRight = {});
 
 private:
     std::string hashOf(const std::string &email, const std::string &code) const;

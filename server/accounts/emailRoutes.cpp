@@ -134,17 +134,19 @@ awaitable<HttpResponse> verify(const EmailSignIn &signIn, const HttpRequest &req
                      {"wrong:" + *email, signIn.most.wrongCodesForAddressADay, day});
     if (auto refused = co_await limits.use(request))
         co_return std::move(*refused);
-    const auto verdict = co_await signIn.codes.verify(*email, std::string(trimmed(*code)));
-    if (!verdict)
-        co_return unavailable(request, verdict.error());
-    if (*verdict != SignInCodes::Verdict::Right)
+    auto session = signIn.sessions.prepare(*email, "email");
+    const auto verified =
+        co_await signIn.codes.verify(*email, std::string(trimmed(*code)), std::move(session.store));
+    if (!verified)
+        co_return unavailable(request, verified.error());
+    const bool isRight = verified->verdict == SignInCodes::Verdict::Right;
+    // Where nothing was compared nothing was guessed: else anybody could keep an address from signing in.
+    if (isRight || !verified->isCompared)
+        co_await limits.giveBackAddress();
+    if (!isRight)
         co_return refuse(request, refusals::wrongCode());
     co_await limits.giveBackClient();
-    co_await limits.giveBackAddress();
-    const auto token = co_await signIn.sessions.begin(*email, "email");
-    if (!token)
-        co_return unavailable(request, token.error());
-    co_return answer({{"session", *token}, {"email", *email}});
+    co_return answer({{"session", session.token}, {"email", *email}});
 }
 
 awaitable<HttpResponse> account(const EmailSignIn &signIn, const HttpRequest &request)

@@ -61,7 +61,7 @@ std::vector<std::string> checkedNetworks(const std::string &name, const std::str
 {
     const auto networks = wordsOf(text);
     if (const auto parsed = AddressNetworks::parse(networks); !parsed)
-        problems.push_back(name + ": " + parsed.error().reason);
+        problems.push_back(name + ": " + parsed.error().reason + ".");
     return networks;
 }
 

@@ -94,6 +94,17 @@ TEST_P(EmailRoutesTest, signInByACode)
     EXPECT_EQ(whose.body, R"({"email":"student@example.org"})");
 }
 
+TEST_P(EmailRoutesTest, areNotClosedToAnAddressByGuessesAtNoCode)
+{
+    for (int guess = 0; guess < 6; ++guess) { // twice what an address may guess wrongly, from other networks
+        m_client = "198.51.100." + std::to_string(guess);
+        EXPECT_EQ(verify("000000").status, 401U);
+    }
+    m_client = "203.0.113.7";
+    start();
+    EXPECT_EQ(verify(m_mailer.lastCode()).status, 200U);
+}
+
 TEST_P(EmailRoutesTest, tellNobodyElseWhoseSessionItIs)
 {
     for (const auto &token : {std::string(), std::string("x"), std::string(43, 'A')}) {

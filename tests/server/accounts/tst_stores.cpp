@@ -42,7 +42,10 @@ class SignInCodesTest : public StoreTest
 {
 protected:
     std::string create() { return std::get<std::string>(*await(m_codes.create(email))); }
-    SignInCodes::Verdict verify(const std::string &code) { return *await(m_codes.verify(email, code)); }
+    SignInCodes::Verdict verify(const std::string &code)
+    {
+        return await(m_codes.verify(email, code))->verdict;
+    }
     static std::string otherThan(const std::string &code) { return code == "000000" ? "000001" : "000000"; }
 
     SignInCodes m_codes{*m_database, m_clock.source(), key};
@@ -164,10 +167,10 @@ TEST_P(SignInCodesTest, areRightOnce)
 TEST_P(SignInCodesTest, areWrongForAnotherAddressOrUnderAnotherKey)
 {
     const auto code = create();
-    EXPECT_EQ(*await(m_codes.verify("other@example.org", code)), SignInCodes::Verdict::Wrong);
+    EXPECT_EQ(await(m_codes.verify("other@example.org", code))->verdict, SignInCodes::Verdict::Wrong);
     SignInCodes foreign(*m_database, m_clock.source(), std::string(32, 'x'));
-    EXPECT_EQ(*await(foreign.verify(email, code)), SignInCodes::Verdict::Wrong);
-    EXPECT_EQ(*await(m_otherCodes.verify(email, code)), SignInCodes::Verdict::Right);
+    EXPECT_EQ(await(foreign.verify(email, code))->verdict, SignInCodes::Verdict::Wrong);
+    EXPECT_EQ(await(m_otherCodes.verify(email, code))->verdict, SignInCodes::Verdict::Right);
 }
 
 TEST_P(SignInCodesTest, areStoredNeitherPlainNorAsAPlainHash)
@@ -255,25 +258,39 @@ TEST_P(SignInCodesTest, askedForAtOnceFromTwoInstancesAreOne)
 TEST_P(SignInCodesTest, givenAtOnceToTwoInstancesAreRightOnce)
 {
     const auto code = create();
-    std::vector<boost::asio::awaitable<Result<SignInCodes::Verdict>>> tasks;
+    std::vector<boost::asio::awaitable<Result<SignInCodes::Verification>>> tasks;
     for (int number = 0; number < 2; ++number) {
         tasks.push_back(m_codes.verify(email, code));
         tasks.push_back(m_otherCodes.verify(email, code));
     }
-    const auto verdicts = awaitAll(std::move(tasks));
-    EXPECT_EQ(std::count(verdicts.begin(), verdicts.end(), SignInCodes::Verdict::Right), 1);
+    const auto verified = awaitAll(std::move(tasks));
+    EXPECT_EQ(std::count_if(verified.begin(), verified.end(),
+                            [](const auto &one) { return one->verdict == SignInCodes::Verdict::Right; }),
+              1);
+}
+
+TEST_P(SignInCodesTest, stayWhereWhatTheyAreForFails)
+{
+    const auto code = create();
+    const auto failing = [](DatabaseConnection &) { throw std::runtime_error("the disk is full"); };
+    EXPECT_FALSE(await(m_codes.verify(email, code, failing)));
+    EXPECT_EQ(verify(code), SignInCodes::Verdict::Right);
 }
 
 TEST_P(SignInCodesTest, guessedAtOnceOnTwoInstancesAreComparedFiveTimes)
 {
     const auto code = create();
-    std::vector<boost::asio::awaitable<Result<SignInCodes::Verdict>>> tasks;
+    std::vector<boost::asio::awaitable<Result<SignInCodes::Verification>>> tasks;
     for (int number = 0; number < 20; ++number) {
         tasks.push_back(m_codes.verify(email, otherThan(code)));
         tasks.push_back(m_otherCodes.verify(email, otherThan(code)));
     }
-    for (const auto &verdict : awaitAll(std::move(tasks)))
-        EXPECT_EQ(*verdict, SignInCodes::Verdict::Wrong);
+    int compared = 0;
+    for (const auto &verified : awaitAll(std::move(tasks))) {
+        EXPECT_EQ(verified->verdict, SignInCodes::Verdict::Wrong);
+        compared += verified->isCompared ? 1 : 0;
+    }
+    EXPECT_EQ(compared, SignInCodes::attempts);
     EXPECT_EQ(m_files.number("SELECT attempts FROM sign_in_codes"), SignInCodes::attempts);
     EXPECT_EQ(verify(code), SignInCodes::Verdict::Wrong);
 }

@@ -40,7 +40,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     for (const auto line : lines) {
         const auto network = AddressNetworks::parse({std::string(line)});
         if (network && line.find('/') == std::string_view::npos)
-            require(network->contains(*canonicalAddress(trimmed(line))), "an address is within its own network");
+            require(network->contains(*canonicalAddress(trimmed(line))),
+                    "an address is within its own network");
     }
     return 0;
 }
