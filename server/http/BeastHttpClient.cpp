@@ -136,15 +136,33 @@ private:
     Endpoints m_endpoints;
 };
 
-/// What a look-up on another thread leaves; either side may go first.
+/// What a look-up on another thread leaves; either side may let go of it first, on its own thread.
 struct LookUp
 {
-    explicit LookUp(const asio::any_io_executor &executor, Clock::time_point end)
-        : done(executor, end)
-    {}
-    asio::steady_timer done;
     Endpoints endpoints;
     error_code error = beast::error::timeout;
+    asio::steady_timer *waiting = nullptr; ///< who waits, touched by the coroutine's thread alone
+};
+
+/// The wait of a coroutine for its look-up: the timer ends with the coroutine, not with whoever lets go last.
+class LookUpWait
+{
+public:
+    LookUpWait(LookUp &lookUp, const asio::any_io_executor &executor, Clock::time_point end)
+        : m_lookUp(lookUp)
+        , m_timer(executor, end)
+    {
+        m_lookUp.waiting = &m_timer;
+    }
+    ~LookUpWait() { m_lookUp.waiting = nullptr; }
+    LookUpWait(const LookUpWait &) = delete;
+    LookUpWait &operator=(const LookUpWait &) = delete;
+
+    asio::steady_timer &timer() { return m_timer; }
+
+private:
+    LookUp &m_lookUp;
+    asio::steady_timer m_timer;
 };
 
 Endpoints lookUp(asio::thread_pool &pool, const Target &target, error_code &error)
@@ -166,17 +184,19 @@ asio::awaitable<error_code> Exchange::resolve(asio::thread_pool &resolvers)
         co_return error;
     }
     const auto executor = co_await asio::this_coro::executor;
-    const auto found = std::make_shared<LookUp>(executor, m_end);
+    const auto found = std::make_shared<LookUp>();
+    LookUpWait wait(*found, executor, m_end);
     asio::post(resolvers, [found, executor, &resolvers, target = m_target] {
         error_code problem;
         auto endpoints = lookUp(resolvers, target, problem);
         asio::post(executor, [found, endpoints = std::move(endpoints), problem]() mutable {
             found->endpoints = std::move(endpoints);
             found->error = problem;
-            found->done.cancel();
+            if (found->waiting)
+                found->waiting->cancel();
         });
     });
-    co_await found->done.async_wait(into(error));
+    co_await wait.timer().async_wait(into(error));
     m_endpoints = std::move(found->endpoints);
     // The system's order stays within each kind.
     std::stable_partition(m_endpoints.begin(), m_endpoints.end(),
