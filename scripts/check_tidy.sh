@@ -12,7 +12,7 @@ stamps=build/clang-tidy
 mkdir -p "$stamps"
 common=$({
     clang-tidy --version
-    cat .clang-tidy build/dev/compile_commands.json
+    cat .clang-tidy server/.clang-tidy build/dev/compile_commands.json
     source_files h | xargs cat
 } | sha256sum | cut -c1-32)
 

@@ -83,25 +83,31 @@ std::string presetOf(const boost::any &preset)
     return text ? *text : std::string();
 }
 
-/// Puts what stands in the files of secrets in the places of the secrets.
-void readSecretFiles(po::variables_map &read, Problems &problems)
+/// The first line of a file with a secret; none where it cannot be read or is empty.
+std::optional<std::string> secretIn(const std::string &path)
 {
-    for (const auto &name : secretSettings()) {
-        const auto given = read.find(name + "-file");
-        if (given == read.end())
-            continue;
-        const auto path = given->second.as<std::string>();
-        std::ifstream file(path);
-        std::string line;
-        if (!std::getline(file, line)) {
-            problems.push_back("The file of " + name + ", " + path + ", cannot be read or is empty.");
-            continue;
-        }
-        if (line.ends_with('\r'))
-            line.pop_back();
+    std::ifstream file(path);
+    std::string line;
+    if (!std::getline(file, line))
+        return std::nullopt;
+    if (line.ends_with('\r'))
+        line.pop_back();
+    return line;
+}
+
+/// Puts what stands in the file of that secret in the place of the secret.
+void readSecretFile(const std::string &name, po::variables_map &read, Problems &problems)
+{
+    const auto given = read.find(name + "-file");
+    if (given == read.end())
+        return;
+    const auto path = given->second.as<std::string>();
+    if (auto secret = secretIn(path)) {
         if (!read[name].defaulted())
             problems.push_back(name + " and " + name + "-file are both set.");
-        read.at(name).value() = line;
+        read.at(name).value() = *std::move(secret);
+    } else {
+        problems.push_back("The file of " + name + ", " + path + ", cannot be read or is empty.");
     }
 }
 
@@ -117,7 +123,8 @@ ConfigurationResult readConfiguration(const ConfigurationSources &sources)
     if (sources.file)
         readFile(*sources.file, settings, read, problems);
     po::store(po::parsed_options(&settings), read); // the presets of all others
-    readSecretFiles(read, problems);
+    for (const auto &name : secretSettings())
+        readSecretFile(name, read, problems);
     if (!problems.empty()) // what follows would complain about what could not be read
         return {{}, std::move(problems)};
     po::notify(read);

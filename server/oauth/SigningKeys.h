@@ -9,7 +9,7 @@
 #include <string_view>
 
 /// A key as cjose holds it.
-using SigningKey = std::shared_ptr<struct _cjose_jwk_int>;
+using SigningKey = std::shared_ptr<struct _cjose_jwk_int>; // NOLINT(bugprone-reserved-identifier): cjose's
 
 /// The keys that a provider signs with, of a JSON Web Key Set.
 class SigningKeys
