@@ -38,9 +38,12 @@ public:
         m_underWay = fetch;
         const Ending ending{*this, fetch}; // also where this coroutine is given up
         auto value = co_await m_fetch();
-        if (value)
+        if (value) {
             m_kept = std::make_shared<const Value>(*std::move(value));
-        fetch->outcome.emplace(value ? OAuthResult<Kept>(m_kept) : OAuthResult<Kept>(value.error()));
+            fetch->outcome.emplace(m_kept);
+        } else {
+            fetch->outcome.emplace(value.error());
+        }
         co_return *fetch->outcome;
     }
 

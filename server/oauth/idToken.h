@@ -37,7 +37,7 @@ public:
 private:
     OAuthResult<boost::json::object> claims(const SigningKey &key) const;
 
-    std::shared_ptr<struct _cjose_jws_int> m_token;
+    std::shared_ptr<struct _cjose_jws_int> m_token; // NOLINT(bugprone-reserved-identifier): cjose's
     std::string m_keyId;
     std::string m_algorithm;
 };
