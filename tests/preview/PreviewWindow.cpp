@@ -112,6 +112,16 @@ Result<> PreviewWindow::settle()
     return Done{};
 }
 
+Result<> PreviewWindow::drawAnew()
+{
+    if (const auto settled = settle(); !settled)
+        return settled;
+    m_view.setPersistentGraphics(false);
+    m_view.setPersistentSceneGraph(false);
+    m_view.hide();
+    return settle();
+}
+
 Result<QImage> PreviewWindow::grab()
 {
     if (const auto settled = settle(); !settled)

@@ -20,6 +20,10 @@ public:
     /// Waits until everything is loaded and nothing moves any more; fails when that does not come.
     Result<> settle();
 
+    /// Draws all anew as if the window opened only now: where letters stand in the texture that they are
+    /// drawn from depends on which came first, and changes their edges by a few of 255.
+    Result<> drawAnew();
+
     /// What is drawn, in physical pixels. Fails where settle() does, and where there is nothing.
     Result<QImage> grab();
 

@@ -50,6 +50,8 @@ void printTexts(PreviewWindow &window)
 
 Result<> makePicture(PreviewWindow &window, const PreviewOptions &options)
 {
+    if (const auto drawn = window.drawAnew(); !drawn)
+        return drawn;
     if (const auto prepared = prepare(window, options); !prepared)
         return prepared;
     if (options.texts) {
