@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds with the address and undefined-behaviour sanitizers and runs the tests; with the argument `server` those of the
-# backend service, which takes so long to build that only check_threads.sh is part of `./test all`. Where the sanitizers cannot start
+# backend service, which takes so long to build that it is no part of `./test all`. Where the sanitizers cannot start
 # (some kernels spread addresses further than GCC 12 copes with) it says that it did not run, and why.
 set -euo pipefail
 # shellcheck source=scripts/common.sh
