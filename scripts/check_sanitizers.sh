@@ -1,13 +1,9 @@
 #!/usr/bin/env bash
-# Builds with the address and undefined-behaviour sanitizers and runs the tests; with the argument `server` those of the
-# backend service, which takes so long to build that it is no part of `./test all`. Where the sanitizers cannot start
-# (some kernels spread addresses further than GCC 12 copes with) it says that it did not run, and why.
+# Builds with the address and undefined-behaviour sanitizers and runs the tests. Where the sanitizers cannot start (some
+# kernels spread addresses further than GCC 12 copes with) it says that it did not run, and why.
 set -euo pipefail
 # shellcheck source=scripts/common.sh
 source "$(dirname "$0")/common.sh"
-
-preset=asan
-[ "${1:-}" != server ] || preset=asan-server
 
 probe=build/sanitizer-probe
 mkdir -p build
@@ -17,5 +13,5 @@ if ! said=$({ g++ -fsanitize=address,undefined "$probe.cpp" -o "$probe" && "$pro
     exit 0
 fi
 
-build_preset "$preset"
-privately ctest --preset "$preset" --parallel "$(nproc)" --label-exclude heavy
+build_preset asan
+privately ctest --preset asan --parallel "$(nproc)" --label-exclude heavy

@@ -2,12 +2,9 @@
 
 #include "jsonCodecs.h"
 #include "recordFileNames.h"
-
-#include <QLoggingCategory>
+#include "studyLog.h"
 
 using namespace Qt::StringLiterals;
-
-Q_LOGGING_CATEGORY(lcStudy, "quorvel.study")
 
 RecordStore::RecordStore(RecordFiles &files)
     : m_files(files)

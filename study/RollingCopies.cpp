@@ -1,14 +1,11 @@
 #include "RollingCopies.h"
 
 #include "recordTime.h"
-
-#include <QLoggingCategory>
+#include "studyLog.h"
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
-
-Q_DECLARE_LOGGING_CATEGORY(lcStudy)
 
 namespace {
 

@@ -91,6 +91,14 @@ std::string_view firstCharacters(std::string_view text, std::size_t most)
     return text.substr(0, static_cast<std::size_t>(place - text.data()));
 }
 
+bool isHttpToken(std::string_view text)
+{
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](char character) {
+        return character > ' ' && character < '\x7f' &&
+               std::string_view("\"(),/:;<=>?@[\\]{}").find(character) == std::string_view::npos;
+    });
+}
+
 std::string_view trimmed(std::string_view text)
 {
     for (;;) {

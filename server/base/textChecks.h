@@ -15,6 +15,10 @@ bool hasControlCharacters(std::string_view text);
 /// The first `most` characters of a UTF-8 text.
 std::string_view firstCharacters(std::string_view text, std::size_t most);
 
+/// Whether it is what RFC 9110 calls a token, such as a method or the name of a header: one character or
+/// more, all of ASCII, without spaces and separators.
+bool isHttpToken(std::string_view text);
+
 /// Without white space (ASCII's and U+00A0) at its ends.
 std::string_view trimmed(std::string_view text);
 

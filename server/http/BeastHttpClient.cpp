@@ -1,10 +1,12 @@
 #include "BeastHttpClient.h"
 
+#include "intoError.h"
+#include "textChecks.h"
+
 #include <algorithm>
 #include <boost/asio/connect.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/post.hpp>
-#include <boost/asio/redirect_error.hpp>
 #include <boost/asio/ssl/context.hpp>
 #include <boost/asio/ssl/host_name_verification.hpp>
 #include <boost/asio/ssl/stream.hpp>
@@ -42,11 +44,6 @@ constexpr std::uint32_t largestHead = 32 * 1024;
 /// Name look-ups at a time. They block, and one that hangs must not keep the others.
 constexpr std::size_t resolverThreads = 4;
 
-auto into(error_code &error)
-{
-    return asio::redirect_error(asio::use_awaitable, error);
-}
-
 /// Where a call goes; all that is needed of its address.
 struct Target
 {
@@ -81,19 +78,11 @@ std::optional<Target> targetFrom(const std::string &url)
     return target;
 }
 
-bool isToken(std::string_view text)
-{
-    return !text.empty() && std::all_of(text.begin(), text.end(), [](char character) {
-        return character > ' ' && character < '\x7f' &&
-               std::string_view("\"(),/:;<=>?@[\\]{}").find(character) == std::string_view::npos;
-    });
-}
-
 bool isSendable(const HttpCall &call)
 {
-    return isToken(call.method) &&
+    return isHttpToken(call.method) &&
            std::all_of(call.headers.begin(), call.headers.end(), [](const auto &header) {
-               return isToken(header.first) &&
+               return isHttpToken(header.first) &&
                       header.second.find_first_of(std::string_view("\r\n\0", 3)) == std::string::npos;
            });
 }

@@ -1,13 +1,13 @@
 #include "Connection.h"
 
 #include "httpRefusals.h"
+#include "intoError.h"
 #include "responseBytes.h"
 #include "secrets.h"
 
 #include <boost/asio/bind_cancellation_slot.hpp>
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/co_spawn.hpp>
-#include <boost/asio/redirect_error.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <boost/asio/write.hpp>
 #include <boost/url/grammar/ci_string.hpp>
@@ -19,11 +19,6 @@ namespace asio = boost::asio;
 namespace {
 
 using boost::system::error_code;
-
-auto into(error_code &error)
-{
-    return asio::redirect_error(asio::use_awaitable, error);
-}
 
 /// A name for figures and the log, which lives as long as the program.
 std::string_view nameOf(std::string_view method)

@@ -2,6 +2,7 @@
 
 #include "Connection.h"
 #include "httpRefusals.h"
+#include "intoError.h"
 #include "responseBytes.h"
 #include "textChecks.h"
 
@@ -9,7 +10,6 @@
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/detached.hpp>
 #include <boost/asio/ip/v6_only.hpp>
-#include <boost/asio/redirect_error.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <charconv>
 #include <spdlog/spdlog.h>
@@ -114,13 +114,13 @@ asio::awaitable<void> HttpServer::State::accept(std::shared_ptr<Acceptor> accept
     while (acceptor->is_open()) {
         HttpSocket socket(context.get_executor());
         error_code error;
-        co_await acceptor->async_accept(socket, asio::redirect_error(asio::use_awaitable, error));
+        co_await acceptor->async_accept(socket, into(error));
         if (!error) {
             take(std::move(socket));
         } else if (error != asio::error::connection_aborted && error != asio::error::operation_aborted) {
             spdlog::error("no connection can be accepted for a moment: {}", error.message());
             pause.expires_after(shortagePause);
-            co_await pause.async_wait(asio::redirect_error(asio::use_awaitable, error));
+            co_await pause.async_wait(into(error));
         }
     }
 }
@@ -184,7 +184,7 @@ asio::awaitable<void> HttpServer::State::waitForEnd(std::chrono::milliseconds mo
         co_return;
     error_code error;
     changed.expires_after(most);
-    co_await changed.async_wait(asio::redirect_error(asio::use_awaitable, error));
+    co_await changed.async_wait(into(error));
 }
 
 HttpServer::HttpServer(asio::io_context &context, HttpServerSettings settings, Router router,

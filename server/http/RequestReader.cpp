@@ -33,14 +33,6 @@ bool isKnownMethod(std::string_view method)
     return std::find(known.begin(), known.end(), method) != known.end();
 }
 
-bool isToken(std::string_view text)
-{
-    return !text.empty() && std::all_of(text.begin(), text.end(), [](char character) {
-        return character > ' ' && character < '\x7f' &&
-               std::string_view("\"(),/:;<=>?@[\\]{}").find(character) == std::string_view::npos;
-    });
-}
-
 /// "HTTP/1.1", and any other two digits.
 bool isVersion(std::string_view text)
 {
@@ -255,7 +247,7 @@ bool RequestReader::checkRequestLine(std::string_view line)
     const auto first = std::min(line.find(' '), line.size());
     const auto last = line.rfind(' ');
     const auto method = line.substr(0, first);
-    if (!isToken(method) || last == std::string_view::npos || last <= first + 1) {
+    if (!isHttpToken(method) || last == std::string_view::npos || last <= first + 1) {
         refuse(refusals::badRequest(), "malformed");
         return false;
     }

@@ -2,9 +2,9 @@
 
 #include "clientAddresses.h"
 #include "httpRefusals.h"
+#include "intoError.h"
 
 #include <boost/asio/co_spawn.hpp>
-#include <boost/asio/redirect_error.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/this_coro.hpp>
 #include <boost/asio/use_awaitable.hpp>
@@ -44,7 +44,7 @@ public:
             boost::system::error_code error;
             asio::steady_timer changed(co_await asio::this_coro::executor, m_deadline);
             m_waiting.push_back(&changed);
-            co_await changed.async_wait(asio::redirect_error(asio::use_awaitable, error));
+            co_await changed.async_wait(into(error));
             std::erase(m_waiting, &changed);
         }
         co_return !m_isAsking && m_isReady;

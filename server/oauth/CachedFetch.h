@@ -1,9 +1,9 @@
 #pragma once
 
 #include "OAuthFault.h"
+#include "intoError.h"
 
 #include <boost/asio/awaitable.hpp>
-#include <boost/asio/redirect_error.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/this_coro.hpp>
 #include <boost/asio/use_awaitable.hpp>
@@ -73,7 +73,7 @@ private:
     boost::asio::awaitable<OAuthResult<Kept>> joined(std::shared_ptr<UnderWay> fetch)
     {
         boost::system::error_code ignored;
-        co_await fetch->ended.async_wait(boost::asio::redirect_error(boost::asio::use_awaitable, ignored));
+        co_await fetch->ended.async_wait(into(ignored));
         if (fetch->outcome)
             co_return *fetch->outcome;
         co_return co_await renewed(); // whoever fetched was given up

@@ -6,7 +6,7 @@
 
 namespace {
 
-bool isToken(std::string_view text)
+bool isState(std::string_view text)
 {
     return text.size() == OAuthCallback::lengthOfState &&
            std::all_of(text.begin(), text.end(), [](char character) {
@@ -25,7 +25,7 @@ bool isPrintable(std::string_view text, std::size_t longest)
 bool isAnswer(const OAuthCallback &callback)
 {
     constexpr std::size_t longestError = 256;
-    return isToken(callback.state) && callback.code.empty() != callback.error.empty() &&
+    return isState(callback.state) && callback.code.empty() != callback.error.empty() &&
            isPrintable(callback.code, OAuthCallback::longestCode) &&
            isPrintable(callback.error, longestError) &&
            isPrintable(callback.issuer.value_or(""), OAuthCallback::longestIssuer);

@@ -11,7 +11,7 @@
 namespace {
 
 constexpr std::size_t mostKeys = 32;
-constexpr std::size_t longestId = 256; // bytes
+constexpr std::size_t longestKeyId = 256; // bytes
 
 /// What the key checks; empty where that is none of ours.
 std::string_view algorithmOf(const boost::json::object &key)
@@ -57,7 +57,7 @@ OAuthResult<SigningKeys> SigningKeys::parse(const boost::json::object &set)
         if (algorithm.empty())
             continue;
         if (const auto key = imported(object))
-            parsed.m_keys.emplace(textField(object, "kid", longestId), Entry{std::string(algorithm), key});
+            parsed.m_keys.emplace(textField(object, "kid", longestKeyId), Entry{std::string(algorithm), key});
     }
     if (parsed.m_keys.empty())
         return providerFault("keys", "none that can be used");

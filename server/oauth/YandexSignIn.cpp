@@ -11,12 +11,12 @@ namespace asio = boost::asio;
 
 namespace {
 
-constexpr std::size_t longestToken = 4096; // bytes
-constexpr std::size_t longestId = 256;     // bytes
+constexpr std::size_t longestToken = 4096;   // bytes
+constexpr std::size_t longestClientId = 256; // bytes
 constexpr std::size_t longestAddress = 254;
 
 /// Whether it can stand in a header: it comes from elsewhere.
-bool isToken(std::string_view token)
+bool isAccessToken(std::string_view token)
 {
     return !token.empty() && std::all_of(token.begin(), token.end(),
                                          [](char character) { return character > ' ' && character <= '~'; });
@@ -56,7 +56,7 @@ asio::awaitable<OAuthResult<std::string>> YandexSignIn::verifiedAddress(OAuthGra
     if (!info)
         co_return info.error();
     // A token that another application was given says who somebody is, too, but not that they sign in here.
-    if (textField(*info, "client_id", longestId) != m_settings.clientId)
+    if (textField(*info, "client_id", longestClientId) != m_settings.clientId)
         co_return providerFault("info", "of another client");
     auto address = mailAddress(textField(*info, "default_email", longestAddress));
     if (!address)
@@ -89,7 +89,7 @@ asio::awaitable<OAuthResult<std::string>> YandexSignIn::exchange(const OAuthGran
     if (!object)
         co_return object.error();
     auto token = textField(*object, "access_token", longestToken);
-    if (!isToken(token))
+    if (!isAccessToken(token))
         co_return providerFault("token", "none in it");
     co_return token;
 }

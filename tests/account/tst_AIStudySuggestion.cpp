@@ -1,8 +1,8 @@
 #include "AIStudySuggestion.h"
+#include "suite.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 
@@ -140,5 +140,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestAIStudySuggestion)
+QUORVEL_TEST(TestAIStudySuggestion, QCoreApplication)
 #include "tst_AIStudySuggestion.moc"

@@ -1,11 +1,11 @@
 #include "L10n.h"
 #include "L10nTable.h"
 #include "addedTexts.h"
+#include "suite.h"
 
 #include <QCryptographicHash>
 #include <QRegularExpression>
 #include <QSet>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 
@@ -105,5 +105,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestL10n)
+QUORVEL_TEST(TestL10n)
 #include "tst_L10n.moc"

@@ -1,7 +1,7 @@
 #include "AuthCallback.h"
+#include "suite.h"
 
 #include <QRandomGenerator>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 
@@ -224,5 +224,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestAuthCallback)
+QUORVEL_TEST(TestAuthCallback, QCoreApplication)
 #include "tst_authCallback.moc"

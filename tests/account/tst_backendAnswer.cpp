@@ -1,8 +1,8 @@
 #include "BackendAnswer.h"
+#include "suite.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 
@@ -88,5 +88,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestBackendAnswer)
+QUORVEL_TEST(TestBackendAnswer, QCoreApplication)
 #include "tst_backendAnswer.moc"

@@ -1,6 +1,5 @@
 #include "backendRedirects.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -122,5 +121,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestBackendRedirects)
+QUORVEL_TEST(TestBackendRedirects)
 #include "tst_backendRedirects.moc"

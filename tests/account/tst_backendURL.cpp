@@ -2,8 +2,7 @@
 #include "backendURL.h"
 #include "endOfProgram.h"
 #include "preferenceKeys.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -80,5 +79,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestBackendURL)
+QUORVEL_TEST(TestBackendURL)
 #include "tst_backendURL.moc"

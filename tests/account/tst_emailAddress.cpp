@@ -1,6 +1,5 @@
 #include "emailAddress.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -50,5 +49,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestEmailAddress)
+QUORVEL_TEST(TestEmailAddress, QCoreApplication)
 #include "tst_emailAddress.moc"

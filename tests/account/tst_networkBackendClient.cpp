@@ -1,4 +1,5 @@
 #include "BackendStage.h"
+#include "suite.h"
 
 #include <QFile>
 #include <QNetworkReply>
@@ -456,5 +457,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestNetworkBackendClient)
+QUORVEL_TEST(TestNetworkBackendClient, QCoreApplication)
 #include "tst_networkBackendClient.moc"

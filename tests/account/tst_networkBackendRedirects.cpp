@@ -1,4 +1,5 @@
 #include "BackendStage.h"
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -108,5 +109,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestNetworkBackendRedirects)
+QUORVEL_TEST(TestNetworkBackendRedirects, QCoreApplication)
 #include "tst_networkBackendRedirects.moc"

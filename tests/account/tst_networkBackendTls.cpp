@@ -1,4 +1,5 @@
 #include "BackendStage.h"
+#include "suite.h"
 
 #include <QNetworkReply>
 #include <QSslCertificate>
@@ -113,5 +114,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestNetworkBackendTls)
+QUORVEL_TEST(TestNetworkBackendTls, QCoreApplication)
 #include "tst_networkBackendTls.moc"

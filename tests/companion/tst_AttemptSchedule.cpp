@@ -1,6 +1,5 @@
 #include "AttemptSchedule.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace std::chrono_literals;
 
@@ -58,5 +57,5 @@ private:
     const AttemptSchedule::Clock::time_point m_now{1h};
 };
 
-QTEST_APPLESS_MAIN(tst_AttemptSchedule)
+QUORVEL_TEST(tst_AttemptSchedule)
 #include "tst_AttemptSchedule.moc"

@@ -1,7 +1,6 @@
 #include "callerCheck.h"
 #include "companionIdentity.h"
-
-#include <QTest>
+#include "suite.h"
 
 #include <string>
 
@@ -57,5 +56,5 @@ private:
     const std::string m_manifest = "/usr/lib/mozilla/native-messaging-hosts/org.quorvel.companion.json";
 };
 
-QTEST_APPLESS_MAIN(tst_callerCheck)
+QUORVEL_TEST(tst_callerCheck)
 #include "tst_callerCheck.moc"

@@ -1,6 +1,5 @@
 #include "frames.h"
-
-#include <QTest>
+#include "suite.h"
 
 class tst_frames : public QObject
 {
@@ -96,5 +95,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(tst_frames)
+QUORVEL_TEST(tst_frames)
 #include "tst_frames.moc"

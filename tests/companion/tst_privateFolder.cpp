@@ -1,8 +1,8 @@
 #include "privateFolder.h"
+#include "suite.h"
 
 #include <QFile>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <sys/stat.h>
 
@@ -57,5 +57,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(tst_privateFolder)
+QUORVEL_TEST(tst_privateFolder)
 #include "tst_privateFolder.moc"

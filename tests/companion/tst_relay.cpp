@@ -1,4 +1,5 @@
 #include "RelayRun.h"
+#include "suite.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -568,5 +569,5 @@ private:
     QString m_socket;
 };
 
-QTEST_GUILESS_MAIN(tst_relay)
+QUORVEL_TEST(tst_relay, QCoreApplication)
 #include "tst_relay.moc"

@@ -142,3 +142,25 @@ struct ControllerHarness
         return settings;
     }
 };
+
+/// What the backend's client tells of a request that failed.
+inline BackendError errorOf(const QString &description)
+{
+    return {QStringLiteral("QuorvelBackend"), backendRefused, description};
+}
+
+inline QStringList prompts(const auto &cards)
+{
+    QStringList list;
+    for (const auto &card : cards)
+        list.append(card.prompt);
+    return list;
+}
+
+inline QStringList titles(const auto &tasks)
+{
+    QStringList list;
+    for (const auto &task : tasks)
+        list.append(task.title);
+    return list;
+}

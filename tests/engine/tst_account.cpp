@@ -1,20 +1,15 @@
 #include "ControllerHarness.h"
+#include "suite.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QMetaProperty>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 const QString email = u"ann@example.org"_s;
-
-BackendError errorOf(const QString &description)
-{
-    return {u"QuorvelBackend"_s, backendRefused, description};
-}
 
 /// A controller whose sign-in fields are filled in.
 QuorvelController &startTyped(ControllerHarness &harness, const QString &typedEmail = email,
@@ -571,5 +566,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestAccount)
+QUORVEL_TEST(TestAccount, QCoreApplication)
 #include "tst_account.moc"

@@ -1,7 +1,7 @@
 #include "ControllerHarness.h"
+#include "suite.h"
 
 #include <QCoreApplication>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using Mode = QuorvelController::Mode;
@@ -214,5 +214,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestApplicationBlocking)
+QUORVEL_TEST(TestApplicationBlocking, QCoreApplication)
 #include "tst_applicationBlocking.moc"

@@ -1,6 +1,5 @@
 #include "ControllerHarness.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -172,5 +171,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestBrowserTabs)
+QUORVEL_TEST(TestBrowserTabs, QCoreApplication)
 #include "tst_browserTabs.moc"

@@ -1,22 +1,12 @@
 #include "ControllerHarness.h"
+#include "suite.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-QStringList prompts(const auto &cards)
-{
-    QStringList list;
-    for (const auto &card : cards)
-        list.append(card.prompt);
-    return list;
-}
-
-} // namespace
+namespace {} // namespace
 
 class TestCards : public QObject
 {
@@ -374,5 +364,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestCards)
+QUORVEL_TEST(TestCards, QCoreApplication)
 #include "tst_cards.moc"

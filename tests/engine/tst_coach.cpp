@@ -1,10 +1,10 @@
 #include "AIStudySuggestion.h"
 #include "ControllerHarness.h"
+#include "suite.h"
 
 #include <QAbstractItemModelTester>
 #include <QJsonArray>
 #include <QSignalSpy>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 
@@ -13,11 +13,6 @@ namespace {
 const QString initialText =
     u"AI Coach can generate a plan and cards. Add an API key for model-backed suggestions, or use the "
     u"local fallback."_s;
-
-BackendError errorOf(const QString &description)
-{
-    return {u"QuorvelBackend"_s, backendRefused, description};
-}
 
 QuorvelController &startSignedIn(ControllerHarness &harness)
 {
@@ -30,22 +25,6 @@ void generate(QuorvelController &controller)
 {
     controller.generateAIPlanAndCards();
     QCoreApplication::processEvents();
-}
-
-QStringList titles(const QuorvelController &controller)
-{
-    QStringList list;
-    for (const auto &task : controller.studyTasks())
-        list.append(task.title);
-    return list;
-}
-
-QStringList prompts(const QuorvelController &controller)
-{
-    QStringList list;
-    for (const auto &card : controller.studyCards())
-        list.append(card.prompt);
-    return list;
 }
 
 AIStudySuggestion small()
@@ -94,7 +73,7 @@ private Q_SLOTS:
             controller.aiOutputText(),
             u"Локальный тренер: Локальный тренер создал простой план по теме: тема экзамена. Войди в "
             u"аккаунт, чтобы использовать серверный ИИ.\n\nДобавлено задач: 5. Добавлено карточек: 5."_s);
-        QCOMPARE(titles(controller).first(), u"Создай 5 карточек по слабым местам"_s);
+        QCOMPARE(titles(controller.studyTasks()).first(), u"Создай 5 карточек по слабым местам"_s);
         QCOMPARE(harness.events(), QStringList{u"Локальный тренер added 5 tasks and 5 cards."_s});
         QVERIFY(harness.backend.calls.empty());
     }
@@ -179,8 +158,8 @@ private Q_SLOTS:
         answer.insert(u"model"_s, 1);
         harness.backend.answer(answer);
         QVERIFY(!controller.isAICoachRunning());
-        QCOMPARE(titles(controller), QStringList{u"read"_s});
-        QCOMPARE(prompts(controller), QStringList{u"2 + 2"_s});
+        QCOMPARE(titles(controller.studyTasks()), QStringList{u"read"_s});
+        QCOMPARE(prompts(controller.studyCards()), QStringList{u"2 + 2"_s});
         QCOMPARE(controller.aiOutputText(), u"AI: Go.\n\nAdded 1 task and 1 card."_s);
         QCOMPARE(harness.events(), QStringList{u"AI added 1 tasks and 1 cards."_s});
         controller.setLanguage(AppLanguage::Russian);
@@ -281,12 +260,14 @@ private Q_SLOTS:
         controller.addLocalCoachPack();
         QVERIFY(!controller.isAICoachRunning());
         QVERIFY(harness.backend.calls.empty());
-        QCOMPARE(titles(controller), QStringList({u"Create 5 recall cards for weak points"_s,
-                                                  u"Review mistakes and write the corrected method"_s,
-                                                  u"Solve 5 easy problems without looking at answers"_s,
-                                                  u"Write a one-page summary of the key definitions"_s,
-                                                  u"Open the main theory source for your exam topic"_s}));
-        QCOMPARE(prompts(controller).first(), u"How do you check your answer in your exam topic?"_s);
+        QCOMPARE(titles(controller.studyTasks()),
+                 QStringList({u"Create 5 recall cards for weak points"_s,
+                              u"Review mistakes and write the corrected method"_s,
+                              u"Solve 5 easy problems without looking at answers"_s,
+                              u"Write a one-page summary of the key definitions"_s,
+                              u"Open the main theory source for your exam topic"_s}));
+        QCOMPARE(prompts(controller.studyCards()).first(),
+                 u"How do you check your answer in your exam topic?"_s);
     }
 
     void anotherLanguageLeavesTheOutputOfARunningCoach()
@@ -315,8 +296,8 @@ private Q_SLOTS:
              {u" first \n"_s, u"second"_s},
              {{u" Sums "_s, u"\tone\n"_s, u" 1 | eins "_s}, {QString(), u"two"_s, u"2"_s}}},
             u"Somebody"_s);
-        QCOMPARE(titles(controller), QStringList({u"second"_s, u"first"_s, u"old"_s}));
-        QCOMPARE(prompts(controller), QStringList({u"two"_s, u"one"_s, u"old"_s}));
+        QCOMPARE(titles(controller.studyTasks()), QStringList({u"second"_s, u"first"_s, u"old"_s}));
+        QCOMPARE(prompts(controller.studyCards()), QStringList({u"two"_s, u"one"_s, u"old"_s}));
         const auto now = QDateTime(QDate(2026, 11, 20), QTime(9, 30, 15), Qt::UTC);
         const auto &task = controller.studyTasks()[1];
         QVERIFY(!task.id.isNull() && task.id != controller.studyTasks()[0].id);
@@ -352,8 +333,8 @@ private Q_SLOTS:
             {{u"t"_s, u"p"_s, u" "_s}, {u"t"_s, u"\n"_s, u"a"_s}, {u"t"_s, u"p"_s, u"a"_s}}};
         controller.generateAIPlanAndCards();
         harness.backend.answer(toJson(suggestion));
-        QCOMPARE(titles(controller), QStringList{u"read"_s});
-        QCOMPARE(prompts(controller), QStringList{u"p"_s});
+        QCOMPARE(titles(controller.studyTasks()), QStringList{u"read"_s});
+        QCOMPARE(prompts(controller.studyCards()), QStringList{u"p"_s});
         QCOMPARE(controller.aiOutputText(), u"AI: m\n\nAdded 2 tasks and 3 cards."_s);
         QCOMPARE(harness.events(), QStringList{u"AI added 2 tasks and 3 cards."_s});
     }
@@ -364,7 +345,7 @@ private Q_SLOTS:
         auto &controller = harness.start();
         controller.applyAISuggestion(small(), u"AI"_s);
         controller.applyAISuggestion(small(), u"AI"_s);
-        QCOMPARE(titles(controller), QStringList({u"read"_s, u"read"_s}));
+        QCOMPARE(titles(controller.studyTasks()), QStringList({u"read"_s, u"read"_s}));
         QVERIFY(controller.studyCards()[0].id != controller.studyCards()[1].id);
     }
 
@@ -442,7 +423,7 @@ private Q_SLOTS:
         controller.generateAIPlanAndCards();
         controller.signOut();
         harness.backend.answer(toJson(small()));
-        QCOMPARE(titles(controller), QStringList{u"read"_s});
+        QCOMPARE(titles(controller.studyTasks()), QStringList{u"read"_s});
         QVERIFY(!controller.isAICoachRunning());
         QCOMPARE(controller.accessMode(), AccessMode::None);
     }
@@ -480,11 +461,11 @@ private Q_SLOTS:
         QCOMPARE(cardRows, (QList<QVariantList>{{QModelIndex(), 0, 9'999}}));
         QCOMPARE(taskRevision.size() + cardRevision.size(), 2);
         QCOMPARE(harness.saves(), QStringList({u"study-tasks.json"_s, u"study-cards.json"_s}));
-        QCOMPARE(titles(controller).first(), u"task 9999"_s);
-        QCOMPARE(prompts(controller).last(), u"card 0"_s);
+        QCOMPARE(titles(controller.studyTasks()).first(), u"task 9999"_s);
+        QCOMPARE(prompts(controller.studyCards()).last(), u"card 0"_s);
         QCOMPARE(controller.topicCardCount(), 10'000);
     }
 };
 
-QTEST_GUILESS_MAIN(TestCoach)
+QUORVEL_TEST(TestCoach, QCoreApplication)
 #include "tst_coach.moc"

@@ -1,8 +1,8 @@
 #include "ControllerHarness.h"
+#include "suite.h"
 
 #include <QLoggingCategory>
 #include <QMetaMethod>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 
@@ -142,5 +142,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestCommandLog)
+QUORVEL_TEST(TestCommandLog, QCoreApplication)
 #include "tst_commandLog.moc"

@@ -1,6 +1,5 @@
 #include "ControllerHarness.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -138,5 +137,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestDailyStatistics)
+QUORVEL_TEST(TestDailyStatistics, QCoreApplication)
 #include "tst_dailyStatistics.moc"

@@ -1,7 +1,7 @@
 #include "DesktopSupport.h"
+#include "suite.h"
 
 #include <QSignalSpy>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 
@@ -29,5 +29,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestDesktopSupport)
+QUORVEL_TEST(TestDesktopSupport)
 #include "tst_desktopSupport.moc"

@@ -1,6 +1,5 @@
 #include "domains.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -67,5 +66,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestDomains)
+QUORVEL_TEST(TestDomains)
 #include "tst_domains.moc"

@@ -1,6 +1,5 @@
 #include "ControllerHarness.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -106,5 +105,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestLanguage)
+QUORVEL_TEST(TestLanguage, QCoreApplication)
 #include "tst_language.moc"

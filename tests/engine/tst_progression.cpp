@@ -1,6 +1,5 @@
 #include "ControllerHarness.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -172,5 +171,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestProgression)
+QUORVEL_TEST(TestProgression, QCoreApplication)
 #include "tst_progression.moc"

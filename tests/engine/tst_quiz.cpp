@@ -1,6 +1,5 @@
 #include "ControllerHarness.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 using Mode = QuorvelController::Mode;
@@ -548,5 +547,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestQuiz)
+QUORVEL_TEST(TestQuiz, QCoreApplication)
 #include "tst_quiz.moc"

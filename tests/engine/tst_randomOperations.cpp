@@ -1,9 +1,9 @@
 #include "ControllerHarness.h"
 #include "normalizeStudyAnswer.h"
+#include "suite.h"
 
 #include <QAbstractItemModelTester>
 #include <QRandomGenerator>
-#include <QTest>
 
 #include <algorithm>
 #include <functional>
@@ -209,5 +209,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestRandomOperations)
+QUORVEL_TEST(TestRandomOperations, QCoreApplication)
 #include "tst_randomOperations.moc"

@@ -1,9 +1,9 @@
 #include "ControllerHarness.h"
 #include "endOfProgram.h"
 #include "eventTime.h"
+#include "suite.h"
 
 #include <QSignalSpy>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using Mode = QuorvelController::Mode;
@@ -486,5 +486,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestSession)
+QUORVEL_TEST(TestSession, QCoreApplication)
 #include "tst_session.moc"

@@ -1,7 +1,6 @@
 #include "ControllerHarness.h"
 #include "builtInLists.h"
-
-#include <QTest>
+#include "suite.h"
 
 #include <algorithm>
 
@@ -284,5 +283,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestSettings)
+QUORVEL_TEST(TestSettings, QCoreApplication)
 #include "tst_settings.moc"

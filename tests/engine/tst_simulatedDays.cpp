@@ -1,6 +1,5 @@
 #include "ControllerHarness.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -196,5 +195,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestSimulatedDays)
+QUORVEL_TEST(TestSimulatedDays, QCoreApplication)
 #include "tst_simulatedDays.moc"

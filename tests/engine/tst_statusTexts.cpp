@@ -1,8 +1,7 @@
 #include "ControllerHarness.h"
 #include "formatDuration.h"
 #include "statusTexts.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 using Mode = QuorvelController::Mode;
@@ -245,5 +244,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestStatusTexts)
+QUORVEL_TEST(TestStatusTexts, QCoreApplication)
 #include "tst_statusTexts.moc"

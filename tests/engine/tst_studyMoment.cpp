@@ -1,8 +1,7 @@
 #include "BrowserInspector.h"
 #include "ControllerHarness.h"
 #include "domains.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -277,5 +276,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestStudyMoment)
+QUORVEL_TEST(TestStudyMoment, QCoreApplication)
 #include "tst_studyMoment.moc"

@@ -1,5 +1,6 @@
 #include "PreviewWindow.h"
 
+#include "patience.h"
 #include "setUpInterface.h"
 
 #include <QAccessible>
@@ -19,7 +20,6 @@ Q_IMPORT_QML_PLUGIN(Quorvel_UiPlugin)
 
 namespace {
 
-constexpr int patience = 30'000;  ///< milliseconds until a window counts as one that never rests
 constexpr int restingTime = 60;   ///< milliseconds without a frame after which it rests
 constexpr int tallestPage = 8000; ///< logical pixels; a list may go on for ever
 

@@ -48,6 +48,14 @@ class Includes(unittest.TestCase):
         self.assertGreater(len(sources), 50, "the sources were not found")
         self.assertEqual([], broken_includes(sources))
 
+    def test_name_each_thing_once(self):
+        def twice(text):
+            names = [line for line in text.splitlines() if line.startswith("#include ") and not line.endswith('.moc"')]
+            return sorted({name for name in names if names.count(name) > 1})
+
+        self.assertEqual(["#include <b>"], twice("#include <a>\n#include <b>\n\n#include <b>\n"))
+        self.assertEqual({}, {path: twice(text) for path, text in read_sources(ROOT).items() if twice(text)})
+
     def test_every_rule_has_its_folder(self):
         self.assertEqual([], [folder for folder in RULES if not (ROOT / folder).is_dir()])
 

@@ -1,19 +1,15 @@
 #include "CardBank.h"
 #include "normalizeStudyAnswer.h"
+#include "secondsLater.h"
+#include "suite.h"
 
 #include <QRandomGenerator>
-#include <QTest>
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QDateTime second(int count)
-{
-    return QDateTime::fromSecsSinceEpoch(1'800'000'000 + count, Qt::UTC);
-}
 
 StudyCard cardOf(const std::optional<QString> &topic, const QString &expectedAnswer = u"a"_s)
 {
@@ -273,5 +269,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestCardBank)
+QUORVEL_TEST(TestCardBank)
 #include "tst_CardBank.moc"

@@ -2,10 +2,10 @@
 #include "builtInLists.h"
 #include "jsonCodecs.h"
 #include "settingsDrafts.h"
+#include "suite.h"
 #include "textLists.h"
 
 #include <QRegularExpression>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 
@@ -183,5 +183,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestQuorvelConfig)
+QUORVEL_TEST(TestQuorvelConfig)
 #include "tst_QuorvelConfig.moc"

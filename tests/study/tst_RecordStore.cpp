@@ -3,9 +3,9 @@
 #include "jsonCodecs.h"
 #include "randomRecords.h"
 #include "recordFileNames.h"
+#include "suite.h"
 
 #include <QRegularExpression>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 
@@ -231,5 +231,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestRecordStore)
+QUORVEL_TEST(TestRecordStore)
 #include "tst_RecordStore.moc"

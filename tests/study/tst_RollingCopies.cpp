@@ -3,9 +3,9 @@
 #include "RollingCopies.h"
 #include "jsonCodecs.h"
 #include "recordFileNames.h"
+#include "suite.h"
 
 #include <QRegularExpression>
-#include <QTest>
 
 #include <cstdlib>
 #include <memory>
@@ -331,5 +331,5 @@ void tst_RollingCopies::aRestoredCopyIsLoaded()
     QVERIFY(next.loadStudyCards() == cardsOf(1));
 }
 
-QTEST_APPLESS_MAIN(tst_RollingCopies)
+QUORVEL_TEST(tst_RollingCopies)
 #include "tst_RollingCopies.moc"

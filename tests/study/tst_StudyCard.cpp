@@ -1,20 +1,16 @@
 #include "StudyCard.h"
 #include "endOfProgram.h"
 #include "recordTime.h"
+#include "secondsLater.h"
+#include "suite.h"
 
 #include <QRandomGenerator>
-#include <QTest>
 
 #include <limits>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QDateTime second(int count)
-{
-    return QDateTime::fromSecsSinceEpoch(1'800'000'000 + count, Qt::UTC);
-}
 
 StudyCard cardWith(qint64 wrong, qint64 correct, std::optional<int> asked, int created)
 {
@@ -126,5 +122,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestStudyCard)
+QUORVEL_TEST(TestStudyCard)
 #include "tst_StudyCard.moc"

@@ -3,8 +3,7 @@
 #include "dayKey.h"
 #include "endOfProgram.h"
 #include "jsonCodecs.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -18,7 +17,7 @@ UserProgress afterDays(std::initializer_list<QDate> days)
     return progress;
 }
 
-constexpr qint64 largest = std::numeric_limits<qint64>::max();
+constexpr qint64 largestCount = std::numeric_limits<qint64>::max();
 
 } // namespace
 
@@ -37,7 +36,7 @@ private Q_SLOTS:
         QTest::newRow("level 2") << qint64{100} << qint64{2} << qint64{0};
         QTest::newRow("level 3") << qint64{205} << qint64{3} << qint64{5};
         QTest::newRow("negative") << qint64{-250} << qint64{1} << qint64{-50};
-        QTest::newRow("largest") << largest << largest / 100 + 1 << largest % 100;
+        QTest::newRow("largestCount") << largestCount << largestCount / 100 + 1 << largestCount % 100;
     }
     void levels()
     {
@@ -68,7 +67,7 @@ private Q_SLOTS:
         row(1400, u"Knowledge Knight", u"Рыцарь знаний", u"shield.lefthalf.filled");
         row(2399, u"Knowledge Knight", u"Рыцарь знаний", u"shield.lefthalf.filled");
         row(2400, u"Exam Quorvelian", u"Страж экзамена", u"crown.fill");
-        row(largest, u"Exam Quorvelian", u"Страж экзамена", u"crown.fill");
+        row(largestCount, u"Exam Quorvelian", u"Страж экзамена", u"crown.fill");
     }
     void titlesFollowXP()
     {
@@ -180,7 +179,7 @@ private Q_SLOTS:
     void encodedProgressDecodesEqual()
     {
         UserProgress progress;
-        progress.totalXP = largest;
+        progress.totalXP = largestCount;
         progress.totalFocusSeconds = 1;
         progress.earnedTitles = {u"Титул"_s};
         QCOMPARE(
@@ -193,17 +192,18 @@ private Q_SLOTS:
 
     void overflowEndsTheProgram()
     {
-        QVERIFY(messageOfAbort([] { (void)checkedAdd(largest, 1, "the counter"); }).contains("the counter"));
+        QVERIFY(
+            messageOfAbort([] { (void)checkedAdd(largestCount, 1, "the counter"); }).contains("the counter"));
         QVERIFY(messageOfAbort([] {
-                    (void)checkedSeconds(largest / 60 + 1, "the minutes");
+                    (void)checkedSeconds(largestCount / 60 + 1, "the minutes");
                 }).contains("the minutes"));
-        QVERIFY(messageOfAbort([] { (void)checkedAdd(largest - 1, 1, "the counter"); }).isNull());
-        QVERIFY(messageOfAbort([] { (void)checkedSeconds(largest / 60, "the minutes"); }).isNull());
+        QVERIFY(messageOfAbort([] { (void)checkedAdd(largestCount - 1, 1, "the counter"); }).isNull());
+        QVERIFY(messageOfAbort([] { (void)checkedSeconds(largestCount / 60, "the minutes"); }).isNull());
         UserProgress progress;
-        progress.totalXP = largest;
+        progress.totalXP = largestCount;
         QVERIFY(messageOfAbort([&] { (void)withAwardedXP(progress, 1); }).contains("total XP"));
     }
 };
 
-QTEST_APPLESS_MAIN(TestUserProgress)
+QUORVEL_TEST(TestUserProgress)
 #include "tst_UserProgress.moc"

@@ -1,7 +1,6 @@
 #include "StudyCard.h"
 #include "answerMatching.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -199,5 +198,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestAnswerMatching)
+QUORVEL_TEST(TestAnswerMatching)
 #include "tst_answerMatching.moc"

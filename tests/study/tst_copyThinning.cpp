@@ -1,8 +1,8 @@
 #include "copyThinning.h"
 #include "recordFileNames.h"
+#include "suite.h"
 
 #include <QRandomGenerator>
-#include <QTest>
 
 #include <algorithm>
 #include <map>
@@ -359,5 +359,5 @@ void tst_copyThinning::aClockThatJumps()
     }
 }
 
-QTEST_APPLESS_MAIN(tst_copyThinning)
+QUORVEL_TEST(tst_copyThinning)
 #include "tst_copyThinning.moc"

@@ -1,7 +1,6 @@
 #include "jsonCodecs.h"
 #include "randomRecords.h"
-
-#include <QTest>
+#include "suite.h"
 
 #include <nlohmann/json.hpp>
 
@@ -568,5 +567,5 @@ void tst_jsonCodecs::aByteOrderMarkIsNoMistake()
     QVERIFY(!decodeStudyCards(cardFile() + "\xEF\xBB\xBF").ok());
 }
 
-QTEST_APPLESS_MAIN(tst_jsonCodecs)
+QUORVEL_TEST(tst_jsonCodecs)
 #include "tst_jsonCodecs.moc"

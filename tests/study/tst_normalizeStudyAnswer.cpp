@@ -1,8 +1,8 @@
 #include "normalizeStudyAnswer.h"
+#include "suite.h"
 
 #include <QRandomGenerator>
 #include <QRegularExpression>
-#include <QTest>
 
 #include <functional>
 
@@ -309,5 +309,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestNormalizeStudyAnswer)
+QUORVEL_TEST(TestNormalizeStudyAnswer)
 #include "tst_normalizeStudyAnswer.moc"

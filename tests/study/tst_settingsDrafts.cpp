@@ -1,6 +1,5 @@
 #include "settingsDrafts.h"
-
-#include <QTest>
+#include "suite.h"
 
 #include <limits>
 
@@ -208,5 +207,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestSettingsDrafts)
+QUORVEL_TEST(TestSettingsDrafts)
 #include "tst_settingsDrafts.moc"

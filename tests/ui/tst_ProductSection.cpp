@@ -1,6 +1,5 @@
 #include "ProductSection.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -43,5 +42,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(tst_ProductSection)
+QUORVEL_TEST(tst_ProductSection, QCoreApplication)
 #include "tst_ProductSection.moc"

@@ -1,16 +1,13 @@
 // The digits of the clock: what they show while they roll, when they do not, and that nothing of it stays.
 #include "setUpInterface.h"
+#include "suite.h"
 
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
-#include <QTest>
-#include <QtQml/qqmlextensionplugin.h>
 
 using namespace Qt::StringLiterals;
-
-Q_IMPORT_QML_PLUGIN(Quorvel_UiPlugin)
 
 class tst_countdown : public QObject
 {
@@ -164,5 +161,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(tst_countdown)
+QUORVEL_TEST(tst_countdown, QGuiApplication)
 #include "tst_countdown.moc"

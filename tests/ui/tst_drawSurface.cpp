@@ -1,9 +1,8 @@
 // The shape under the building blocks, pixel by pixel.
 #include "drawBackground.h"
 #include "drawSurface.h"
+#include "suite.h"
 #include "surfaceShape.h"
-
-#include <QTest>
 
 class tst_drawSurface : public QObject
 {
@@ -128,5 +127,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(tst_drawSurface)
+QUORVEL_TEST(tst_drawSurface)
 #include "tst_drawSurface.moc"

@@ -3,20 +3,17 @@
 #include "ControllerHarness.h"
 #include "DesktopSupport.h"
 #include "ProductSection.h"
+#include "accessibleNodes.h"
 #include "setUpInterface.h"
+#include "suite.h"
 
-#include <QAccessible>
 #include <QPainter>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
-#include <QTest>
-#include <QtQml/qqmlextensionplugin.h>
 
 using namespace Qt::StringLiterals;
-
-Q_IMPORT_QML_PLUGIN(Quorvel_UiPlugin)
 
 namespace {
 
@@ -84,15 +81,6 @@ QQuickItem *frameOf(QQuickItem *item)
     return item;
 }
 
-void collect(QAccessibleInterface *node, QList<QAccessibleInterface *> &found)
-{
-    if (!node || node->state().invisible)
-        return;
-    found.append(node);
-    for (int index = 0; index < node->childCount(); ++index)
-        collect(node->child(index), found);
-}
-
 } // namespace
 
 class tst_keyboard : public QObject
@@ -121,9 +109,7 @@ private:
 
     QList<QAccessibleInterface *> nodes() const
     {
-        QList<QAccessibleInterface *> found;
-        collect(QAccessible::queryAccessibleInterface(m_window.get()), found);
-        return found;
+        return visibleNodes(QAccessible::queryAccessibleInterface(m_window.get()));
     }
 
     QQuickItem *find(QAccessible::Role role, const QString &name) const
@@ -433,5 +419,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(tst_keyboard)
+QUORVEL_TEST(tst_keyboard, QGuiApplication)
 #include "tst_keyboard.moc"

@@ -2,30 +2,18 @@
 // goes.
 #include "ControllerHarness.h"
 #include "DesktopSupport.h"
+#include "accessibleNodes.h"
 #include "setUpInterface.h"
+#include "suite.h"
 
-#include <QAccessible>
 #include <QPointer>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
-#include <QTest>
-#include <QtQml/qqmlextensionplugin.h>
 
 using namespace Qt::StringLiterals;
 
-Q_IMPORT_QML_PLUGIN(Quorvel_UiPlugin)
-
 namespace {
-
-void collect(QAccessibleInterface *node, QList<QAccessibleInterface *> &found)
-{
-    if (!node || node->state().invisible)
-        return;
-    found.append(node);
-    for (int index = 0; index < node->childCount(); ++index)
-        collect(node->child(index), found);
-}
 
 /// A button's text becomes its accessible name only where somebody listens on the desktop.
 QString nameOf(const QAccessibleInterface *node)
@@ -50,10 +38,8 @@ private:
     /// Everything of that role and name, as assistive tools find it, also what is scrolled away.
     QList<QQuickItem *> all(QAccessible::Role role, const QString &name) const
     {
-        QList<QAccessibleInterface *> nodes;
-        collect(QAccessible::queryAccessibleInterface(m_window.get()), nodes);
         QList<QQuickItem *> found;
-        for (auto *node : nodes) {
+        for (auto *node : visibleNodes(QAccessible::queryAccessibleInterface(m_window.get()))) {
             if (node->role() == role && nameOf(node) == name)
                 found.append(qobject_cast<QQuickItem *>(node->object()));
         }
@@ -412,5 +398,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(tst_sections)
+QUORVEL_TEST(tst_sections, QGuiApplication)
 #include "tst_sections.moc"

@@ -1,15 +1,9 @@
 #include "ApplicationTable.h"
 
-#include <QLoggingCategory>
+#include "processLog.h"
 
 #include <csignal>
 #include <utility>
-
-namespace {
-
-Q_LOGGING_CATEGORY(logProcess, "quorvel.platform.process", QtInfoMsg)
-
-} // namespace
 
 ApplicationTable::ApplicationTable(const ApplicationPlaces &places)
     : m_processes(places.processRoot, places.user)

@@ -1,11 +1,12 @@
 #include "DesktopIndex.h"
 
+#include "processLog.h"
+
 #include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
-#include <QLoggingCategory>
 
 #include <algorithm>
 #include <fcntl.h>
@@ -17,8 +18,6 @@ using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
-
-Q_LOGGING_CATEGORY(logProcess, "quorvel.platform.process", QtInfoMsg)
 
 constexpr auto lookInterval = 10s;
 constexpr qsizetype largestEntry = 256 * 1024; // real ones are below 50 KiB

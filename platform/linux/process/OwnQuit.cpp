@@ -1,12 +1,12 @@
 #include "OwnQuit.h"
 
+#include "processLog.h"
 #include "sessionBus.h"
 
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
-#include <QLoggingCategory>
 
 #include <algorithm>
 #include <memory>
@@ -15,8 +15,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-Q_LOGGING_CATEGORY(logProcess, "quorvel.platform.process", QtInfoMsg)
 
 constexpr int longestAnswer = 1000; // ms; nobody waits, but the request to end must not come much later
 

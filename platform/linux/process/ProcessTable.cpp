@@ -1,6 +1,6 @@
 #include "ProcessTable.h"
 
-#include <QLoggingCategory>
+#include "processLog.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -15,8 +15,6 @@ using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
-
-Q_LOGGING_CATEGORY(logProcess, "quorvel.platform.process", QtInfoMsg)
 
 constexpr auto youngFor = 10s;
 constexpr auto lookEvery = 10s;

@@ -1,14 +1,12 @@
 #include "X11Applications.h"
 
-#include <QLoggingCategory>
+#include "x11Log.h"
 
 #include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-Q_LOGGING_CATEGORY(logX11, "quorvel.platform.x11", QtInfoMsg)
 
 ApplicationPlaces onDisplay(ApplicationPlaces places, const QString &display)
 {

@@ -1,8 +1,7 @@
 #include "X11Connection.h"
 
 #include "displayName.h"
-
-#include <QLoggingCategory>
+#include "x11Log.h"
 
 #include <array>
 #include <cstring>
@@ -16,8 +15,6 @@ using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
-
-Q_LOGGING_CATEGORY(logX11, "quorvel.platform.x11", QtInfoMsg)
 
 // A server on this machine answers within 0.1 ms; a second's heartbeat must not be held up by one that hangs.
 constexpr auto longestAnswer = 200ms;

@@ -1,8 +1,8 @@
 #include "X11Windows.h"
 
 #include "shownName.h"
+#include "x11Log.h"
 
-#include <QLoggingCategory>
 #include <QStringDecoder>
 
 #include <algorithm>
@@ -14,8 +14,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-Q_LOGGING_CATEGORY(logX11, "quorvel.platform.x11", QtInfoMsg)
 
 constexpr uint32_t longestProperty = 256;      // in units of 4 bytes; names are below 100 bytes
 constexpr uint32_t longestWindowList = 16'384; // windows

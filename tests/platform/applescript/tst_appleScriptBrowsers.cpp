@@ -1,9 +1,9 @@
 #include "AppleScriptBrowsers.h"
 #include "StandInProgram.h"
 #include "appleScripts.h"
+#include "suite.h"
 
 #include <QElapsedTimer>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 
@@ -187,5 +187,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestAppleScriptBrowsers)
+QUORVEL_TEST(TestAppleScriptBrowsers, QCoreApplication)
 #include "tst_appleScriptBrowsers.moc"

@@ -1,6 +1,5 @@
 #include "appleScripts.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -70,5 +69,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestAppleScripts)
+QUORVEL_TEST(TestAppleScripts, QCoreApplication)
 #include "tst_appleScripts.moc"

@@ -1,7 +1,6 @@
 #include "AppleScriptBrowsers.h"
 #include "StandInProgram.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -19,5 +18,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestSlowAppleScript)
+QUORVEL_TEST(TestSlowAppleScript, QCoreApplication)
 #include "tst_slowAppleScript.moc"

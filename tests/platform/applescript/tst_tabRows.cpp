@@ -1,6 +1,5 @@
+#include "suite.h"
 #include "tabRows.h"
-
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 
@@ -106,5 +105,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestTabRows)
+QUORVEL_TEST(TestTabRows, QCoreApplication)
 #include "tst_tabRows.moc"

@@ -12,6 +12,11 @@
 /// Small steps that the tests of this folder share.
 namespace TestFiles {
 
+inline QByteArray native(const QString &path)
+{
+    return QFile::encodeName(path);
+}
+
 inline QByteArray content(const QString &path)
 {
     QFile file(path);

@@ -1,7 +1,7 @@
 #include "baseFolders.h"
+#include "suite.h"
 
 #include <QFile>
-#include <QTest>
 
 #include <pwd.h>
 #include <unistd.h>
@@ -88,5 +88,5 @@ void tst_baseFolders::asksTheUserDatabaseWithoutHome()
     QCOMPARE(preferencesFolder(), folder + u"/.config/quorvel"_s);
 }
 
-QTEST_APPLESS_MAIN(tst_baseFolders)
+QUORVEL_TEST(tst_baseFolders)
 #include "tst_baseFolders.moc"

@@ -1,9 +1,8 @@
 #include "FailingFileCalls.h"
 #include "durableWrite.h"
 #include "fileSteps.h"
+#include "suite.h"
 #include "testFiles.h"
-
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace TestFiles;
@@ -12,11 +11,6 @@ namespace {
 
 const QByteArray oldBytes = "the old bytes";
 const QByteArray newBytes = "the new bytes, a little longer";
-
-QByteArray native(const QString &path)
-{
-    return QFile::encodeName(path);
-}
 
 } // namespace
 
@@ -262,5 +256,5 @@ void tst_durableWrite::saysWhyAFolderCannotBeMade()
     QCOMPARE(content(home.filePath(u"Quorvel"_s)), QByteArray("a plain file in the folder's place"));
 }
 
-QTEST_APPLESS_MAIN(tst_durableWrite)
+QUORVEL_TEST(tst_durableWrite)
 #include "tst_durableWrite.moc"

@@ -1,9 +1,8 @@
 #include "FailingFileCalls.h"
 #include "FolderRecordFiles.h"
 #include "fileSteps.h"
+#include "suite.h"
 #include "testFiles.h"
-
-#include <QTest>
 
 #include <algorithm>
 #include <optional>
@@ -304,5 +303,5 @@ void tst_folderRecordFiles::saysWhyAFileCannotBeRemoved()
     QCOMPARE(removed.reason(), description(EACCES));
 }
 
-QTEST_APPLESS_MAIN(tst_folderRecordFiles)
+QUORVEL_TEST(tst_folderRecordFiles)
 #include "tst_folderRecordFiles.moc"

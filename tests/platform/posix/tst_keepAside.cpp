@@ -1,18 +1,12 @@
 #include "FailingFileCalls.h"
 #include "keepAside.h"
+#include "suite.h"
 #include "testFiles.h"
-
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace TestFiles;
 
 namespace {
-
-QByteArray native(const QString &path)
-{
-    return QFile::encodeName(path);
-}
 
 Result<QByteArray> keep(FileCalls &calls, const QTemporaryDir &home)
 {
@@ -221,5 +215,5 @@ void tst_keepAside::failsForAFolder()
     QCOMPARE(names(home.path()), QStringList{u"file"_s});
 }
 
-QTEST_APPLESS_MAIN(tst_keepAside)
+QUORVEL_TEST(tst_keepAside)
 #include "tst_keepAside.moc"

@@ -1,6 +1,5 @@
 #include "preferenceLine.h"
-
-#include <QTest>
+#include "suite.h"
 
 #include <limits>
 
@@ -207,5 +206,5 @@ void tst_preferenceLine::readsAndWritesRemovals()
     QVERIFY(readPreferenceLine("key = null") == expected);
 }
 
-QTEST_APPLESS_MAIN(tst_preferenceLine)
+QUORVEL_TEST(tst_preferenceLine)
 #include "tst_preferenceLine.moc"

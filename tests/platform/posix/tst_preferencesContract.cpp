@@ -1,8 +1,8 @@
 #include "FakePreferences.h"
 #include "TextPreferences.h"
+#include "suite.h"
 
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <memory>
 
@@ -81,5 +81,5 @@ void tst_preferencesContract::removes()
     QVERIFY(!preferences->value(u"a"_s));
 }
 
-QTEST_GUILESS_MAIN(tst_preferencesContract)
+QUORVEL_TEST(tst_preferencesContract, QCoreApplication)
 #include "tst_preferencesContract.moc"

@@ -1,6 +1,5 @@
 #include "PreferencesDocument.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -85,5 +84,5 @@ void tst_preferencesDocument::isEmptyAtFirst()
     QVERIFY(!document.value(u"a"_s));
 }
 
-QTEST_APPLESS_MAIN(tst_preferencesDocument)
+QUORVEL_TEST(tst_preferencesDocument)
 #include "tst_preferencesDocument.moc"

@@ -1,8 +1,7 @@
 #include "FailingFileCalls.h"
 #include "PreferencesJournal.h"
+#include "suite.h"
 #include "testFiles.h"
-
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace TestFiles;
@@ -165,5 +164,5 @@ void tst_preferencesJournal::doesNotFollowALink()
     QCOMPARE(content(m_home->filePath(u"elsewhere"_s)), QByteArray("precious"));
 }
 
-QTEST_APPLESS_MAIN(tst_preferencesJournal)
+QUORVEL_TEST(tst_preferencesJournal)
 #include "tst_preferencesJournal.moc"

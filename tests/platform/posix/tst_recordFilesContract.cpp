@@ -1,8 +1,8 @@
 #include "FakeRecordFiles.h"
 #include "FolderRecordFiles.h"
+#include "suite.h"
 
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <algorithm>
 #include <memory>
@@ -118,5 +118,5 @@ void tst_recordFilesContract::removes()
     QCOMPARE(files->read(u"cards"_s).value(), std::optional<QByteArray>("one"));
 }
 
-QTEST_APPLESS_MAIN(tst_recordFilesContract)
+QUORVEL_TEST(tst_recordFilesContract)
 #include "tst_recordFilesContract.moc"

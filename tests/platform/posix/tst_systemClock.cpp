@@ -1,7 +1,7 @@
 #include "SystemClock.h"
+#include "suite.h"
 #include "testFiles.h"
 
-#include <QTest>
 #include <QtEndian>
 
 #include <cstdlib>
@@ -120,5 +120,5 @@ void tst_systemClock::measuresTime()
     QVERIFY(difference >= -1s && difference < 10s);
 }
 
-QTEST_APPLESS_MAIN(tst_systemClock)
+QUORVEL_TEST(tst_systemClock)
 #include "tst_systemClock.moc"

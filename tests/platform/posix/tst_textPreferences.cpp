@@ -1,11 +1,11 @@
 #include "FailingFileCalls.h"
 #include "TextPreferences.h"
+#include "suite.h"
 #include "testFiles.h"
 
 #include <QDeadlineTimer>
 #include <QLoggingCategory>
 #include <QRegularExpression>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -661,5 +661,5 @@ void tst_textPreferences::logsAFailureOnce()
     calls.failures.clear();
 }
 
-QTEST_GUILESS_MAIN(tst_textPreferences)
+QUORVEL_TEST(tst_textPreferences, QCoreApplication)
 #include "tst_textPreferences.moc"

@@ -15,7 +15,7 @@ namespace {
 using namespace std::chrono_literals;
 using testing::Optional;
 
-const std::string email = "student@example.org";
+const std::string student = "student@example.org";
 const std::string key(32, 'k');
 
 /// What every store is tested with: one database, and a second instance of the service on it.
@@ -29,7 +29,7 @@ protected:
 class SessionsTest : public StoreTest
 {
 protected:
-    std::string begin(const std::string &address = email)
+    std::string begin(const std::string &address = student)
     {
         return *await(m_sessions.begin(address, "email"));
     }
@@ -41,10 +41,10 @@ protected:
 class SignInCodesTest : public StoreTest
 {
 protected:
-    std::string create() { return std::get<std::string>(*await(m_codes.create(email))); }
+    std::string create() { return std::get<std::string>(*await(m_codes.create(student))); }
     SignInCodes::Verdict verify(const std::string &code)
     {
-        return await(m_codes.verify(email, code))->verdict;
+        return await(m_codes.verify(student, code))->verdict;
     }
     static std::string otherThan(const std::string &code) { return code == "000000" ? "000001" : "000000"; }
 
@@ -79,7 +79,7 @@ TEST_P(SessionsTest, areFoundByTheirTokenAlone)
     const auto token = begin();
     const auto account = find(token);
     ASSERT_TRUE(account);
-    EXPECT_EQ(account->email, email);
+    EXPECT_EQ(account->email, student);
     EXPECT_EQ(*await(Sessions(*m_other, m_clock.source()).find(token)), account);
     auto wrong = token;
     wrong[20] = wrong[20] == 'A' ? 'B' : 'A';
@@ -134,8 +134,8 @@ TEST_P(SessionsTest, areRevokedByAddressOrAllAtOnce)
     const auto first = begin();
     const auto second = begin();
     const auto other = begin("other@example.org");
-    EXPECT_EQ(*await(m_sessions.revoke(email)), 2);
-    EXPECT_EQ(*await(m_sessions.revoke(email)), 0);
+    EXPECT_EQ(*await(m_sessions.revoke(student)), 2);
+    EXPECT_EQ(*await(m_sessions.revoke(student)), 0);
     EXPECT_FALSE(find(first));
     EXPECT_FALSE(find(second));
     EXPECT_TRUE(find(other));
@@ -148,8 +148,8 @@ TEST_P(SessionsTest, ofANewAddressBegunAtOnceMakeOneAccount)
     Sessions others(*m_other, m_clock.source());
     std::vector<boost::asio::awaitable<Result<std::string>>> tasks;
     for (int number = 0; number < 10; ++number) {
-        tasks.push_back(m_sessions.begin(email, "email"));
-        tasks.push_back(others.begin(email, "google"));
+        tasks.push_back(m_sessions.begin(student, "email"));
+        tasks.push_back(others.begin(student, "google"));
     }
     for (const auto &token : awaitAll(std::move(tasks)))
         EXPECT_TRUE(token.has_value());
@@ -169,8 +169,8 @@ TEST_P(SignInCodesTest, areWrongForAnotherAddressOrUnderAnotherKey)
     const auto code = create();
     EXPECT_EQ(await(m_codes.verify("other@example.org", code))->verdict, SignInCodes::Verdict::Wrong);
     SignInCodes foreign(*m_database, m_clock.source(), std::string(32, 'x'));
-    EXPECT_EQ(await(foreign.verify(email, code))->verdict, SignInCodes::Verdict::Wrong);
-    EXPECT_EQ(await(m_otherCodes.verify(email, code))->verdict, SignInCodes::Verdict::Right);
+    EXPECT_EQ(await(foreign.verify(student, code))->verdict, SignInCodes::Verdict::Wrong);
+    EXPECT_EQ(await(m_otherCodes.verify(student, code))->verdict, SignInCodes::Verdict::Right);
 }
 
 TEST_P(SignInCodesTest, areStoredNeitherPlainNorAsAPlainHash)
@@ -208,7 +208,7 @@ TEST_P(SignInCodesTest, areReplacedByANewOneAfterAMinute)
 {
     const auto first = create();
     m_clock.advance(18s);
-    const auto refused = *await(m_otherCodes.create(email));
+    const auto refused = *await(m_otherCodes.create(student));
     ASSERT_TRUE(std::holds_alternative<SignInCodes::TooSoon>(refused));
     EXPECT_EQ(std::get<SignInCodes::TooSoon>(refused).wait, 42s);
     m_clock.advance(42s);
@@ -222,13 +222,13 @@ TEST_P(SignInCodesTest, areReplacedByANewOneAfterAMinute)
 TEST_P(SignInCodesTest, waitAMinuteAfterARightOneToo)
 {
     EXPECT_EQ(verify(create()), SignInCodes::Verdict::Right);
-    EXPECT_TRUE(std::holds_alternative<SignInCodes::TooSoon>(*await(m_codes.create(email))));
+    EXPECT_TRUE(std::holds_alternative<SignInCodes::TooSoon>(*await(m_codes.create(student))));
 }
 
 TEST_P(SignInCodesTest, thatCouldNotBeSentAreForgotten)
 {
     const auto code = create();
-    EXPECT_TRUE(await(m_codes.discard(email)));
+    EXPECT_TRUE(await(m_codes.discard(student)));
     EXPECT_EQ(verify(code), SignInCodes::Verdict::Wrong);
     create();
 }
@@ -245,8 +245,8 @@ TEST_P(SignInCodesTest, askedForAtOnceFromTwoInstancesAreOne)
     using Answer = Result<std::variant<std::string, SignInCodes::TooSoon>>;
     std::vector<boost::asio::awaitable<Answer>> tasks;
     for (int number = 0; number < 10; ++number) {
-        tasks.push_back(m_codes.create(email));
-        tasks.push_back(m_otherCodes.create(email));
+        tasks.push_back(m_codes.create(student));
+        tasks.push_back(m_otherCodes.create(student));
     }
     const auto answers = awaitAll(std::move(tasks));
     EXPECT_EQ(std::count_if(
@@ -260,8 +260,8 @@ TEST_P(SignInCodesTest, givenAtOnceToTwoInstancesAreRightOnce)
     const auto code = create();
     std::vector<boost::asio::awaitable<Result<SignInCodes::Verification>>> tasks;
     for (int number = 0; number < 2; ++number) {
-        tasks.push_back(m_codes.verify(email, code));
-        tasks.push_back(m_otherCodes.verify(email, code));
+        tasks.push_back(m_codes.verify(student, code));
+        tasks.push_back(m_otherCodes.verify(student, code));
     }
     const auto verified = awaitAll(std::move(tasks));
     EXPECT_EQ(std::count_if(verified.begin(), verified.end(),
@@ -273,7 +273,7 @@ TEST_P(SignInCodesTest, stayWhereWhatTheyAreForFails)
 {
     const auto code = create();
     const auto failing = [](DatabaseConnection &) { throw std::runtime_error("the disk is full"); };
-    EXPECT_FALSE(await(m_codes.verify(email, code, failing)));
+    EXPECT_FALSE(await(m_codes.verify(student, code, failing)));
     EXPECT_EQ(verify(code), SignInCodes::Verdict::Right);
 }
 
@@ -282,8 +282,8 @@ TEST_P(SignInCodesTest, guessedAtOnceOnTwoInstancesAreComparedFiveTimes)
     const auto code = create();
     std::vector<boost::asio::awaitable<Result<SignInCodes::Verification>>> tasks;
     for (int number = 0; number < 20; ++number) {
-        tasks.push_back(m_codes.verify(email, otherThan(code)));
-        tasks.push_back(m_otherCodes.verify(email, otherThan(code)));
+        tasks.push_back(m_codes.verify(student, otherThan(code)));
+        tasks.push_back(m_otherCodes.verify(student, otherThan(code)));
     }
     int compared = 0;
     for (const auto &verified : awaitAll(std::move(tasks))) {
@@ -380,13 +380,13 @@ TEST_P(StoreTest, removesWhatIsOverAndNothingElse)
     SignInCodes codes(*m_database, m_clock.source(), key);
     OAuthStates states(*m_database, m_clock.source());
     RateLimits limits(*m_database, m_clock.source());
-    const auto over = *await(sessions.begin(email, "email"));
-    await(codes.create(email));
+    const auto over = *await(sessions.begin(student, "email"));
+    await(codes.create(student));
     await(states.put("state", {"google", "v", "n", "en"}));
     await(limits.use("a", 1, 60s));
     EXPECT_EQ(*await(removeExpired(*m_other, m_clock.now())), 0);
     m_clock.advance(Sessions::lifetime);
-    const auto valid = *await(sessions.begin(email, "email"));
+    const auto valid = *await(sessions.begin(student, "email"));
     await(codes.create("other@example.org"));
     EXPECT_EQ(*await(removeExpired(*m_other, m_clock.now())), 4);
     EXPECT_EQ(*await(removeExpired(*m_other, m_clock.now())), 0);

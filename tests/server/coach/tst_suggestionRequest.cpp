@@ -12,12 +12,12 @@ using testing::Not;
 
 namespace {
 
-constexpr auto mathsBody = R"({"topic": " derivatives ", "language": "ru", "progress": "3 cards"})";
-const SuggestionRequest maths{"derivatives", Language::Russian, "3 cards"};
+constexpr auto mathsInRussianBody = R"({"topic": " derivatives ", "language": "ru", "progress": "3 cards"})";
+const SuggestionRequest mathsInRussian{"derivatives", Language::Russian, "3 cards"};
 
 std::string bodyWith(std::string_view field, const auto &value)
 {
-    auto object = json::parse(mathsBody).as_object();
+    auto object = json::parse(mathsInRussianBody).as_object();
     object[field] = json::value_from(value);
     return json::serialize(object);
 }
@@ -39,9 +39,9 @@ std::string textAt(const json::value &value, std::string_view pointer)
 
 TEST(SuggestionRequest, isReadFromTheThreeFields)
 {
-    EXPECT_EQ(readSuggestionRequest(mathsBody), maths);
+    EXPECT_EQ(readSuggestionRequest(mathsInRussianBody), mathsInRussian);
     EXPECT_EQ(readSuggestionRequest(bodyWith("language", "en"))->language, Language::English);
-    EXPECT_EQ(readSuggestionRequest(bodyWith("later", 1)), maths);
+    EXPECT_EQ(readSuggestionRequest(bodyWith("later", 1)), mathsInRussian);
 }
 
 TEST(SuggestionRequest, mayHaveNoTopic)
@@ -54,7 +54,7 @@ TEST(SuggestionRequest, isNotReadWhereAFieldIsMissingOrOfAnotherKind)
     for (const auto *field : {"topic", "language", "progress"}) {
         for (const auto &value : {json::value(nullptr), json::value(1), json::value(json::array{"x"})})
             EXPECT_EQ(readSuggestionRequest(bodyWith(field, value)), std::nullopt) << field << value;
-        auto object = json::parse(mathsBody).as_object();
+        auto object = json::parse(mathsInRussianBody).as_object();
         object.erase(field);
         EXPECT_EQ(readSuggestionRequest(json::serialize(object)), std::nullopt) << field;
     }
@@ -70,7 +70,7 @@ TEST(SuggestionRequest, isNotReadWhereTheBodyIsNoJsonObject)
 {
     const auto deep = std::string(100'000, '[') + std::string(100'000, ']');
     for (const std::string &body : {std::string(), std::string("{"), std::string("[]"), std::string("null"),
-                                    mathsBody + std::string("x"), bodyWith("topic", "a\xFF"),
+                                    mathsInRussianBody + std::string("x"), bodyWith("topic", "a\xFF"),
                                     std::string(R"({"topic": "\ud800", "language": "en", "progress": ""})"),
                                     deep, R"({"later": )" + deep + "}"})
         EXPECT_EQ(readSuggestionRequest(body), std::nullopt) << body.substr(0, 80);
@@ -103,7 +103,7 @@ TEST(SuggestionRequest, aLongProgressIsCut)
 
 TEST(ChatBody, holdsWhatTheEndpointNeedsAndNothingElse)
 {
-    const auto body = json::parse(chatBody(maths, "some-model"));
+    const auto body = json::parse(chatBody(mathsInRussian, "some-model"));
     EXPECT_THAT(keysOf(body), testing::UnorderedElementsAre("model", "messages", "temperature", "max_tokens",
                                                             "response_format"));
     EXPECT_EQ(textAt(body, "/model"), "some-model");
@@ -139,7 +139,7 @@ TEST(ChatBody, asksForTheLanguageOfTheRequest)
 
 TEST(ChatBody, wantsAnAnswerOfAStrictSchema)
 {
-    const auto body = json::parse(chatBody(maths, "m"));
+    const auto body = json::parse(chatBody(mathsInRussian, "m"));
     EXPECT_EQ(body.at("response_format"), json::parse(R"({
         "type": "json_schema",
         "json_schema": {

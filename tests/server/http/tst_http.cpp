@@ -32,7 +32,7 @@ HttpResponse answer(const Router &router, const HttpRequest &request)
     return response.value();
 }
 
-Router routes()
+Router sampleRoutes()
 {
     Router router;
     router.add("GET", "/a", [](const HttpRequest &request) -> boost::asio::awaitable<HttpResponse> {
@@ -102,7 +102,7 @@ TEST(Refusal, isASentenceInTheLanguageOfTheRequest)
 
 TEST(Router, answersByPathAndMethod)
 {
-    const auto router = routes();
+    const auto router = sampleRoutes();
     EXPECT_EQ(answer(router, requestFor("GET", "/a")).body, "a by GET");
     EXPECT_EQ(answer(router, requestFor("POST", "/a")).status, 201U);
     EXPECT_EQ(answer(router, requestFor("HEAD", "/a")).body, "a by HEAD");
@@ -110,7 +110,7 @@ TEST(Router, answersByPathAndMethod)
 
 TEST(Router, tellsWhichMethodsAPathHas)
 {
-    const auto router = routes();
+    const auto router = sampleRoutes();
     const auto response = answer(router, requestFor("DELETE", "/a"));
     EXPECT_EQ(response.status, 405U);
     EXPECT_EQ(response.headers, (HttpHeaders{{"Allow", "GET, HEAD, POST"}}));
@@ -119,7 +119,7 @@ TEST(Router, tellsWhichMethodsAPathHas)
 
 TEST(Router, knowsNoPathButItsOwn)
 {
-    const auto router = routes();
+    const auto router = sampleRoutes();
     for (const auto *path :
          {"", "/", "/A", "/a/", "//a", "/./a", "/b/../a", "/%61", "/a%2f", "/a;b", "\\a", "/a%00"}) {
         EXPECT_EQ(answer(router, requestFor("GET", path)).status, 404U) << path;
@@ -130,7 +130,7 @@ TEST(Router, knowsNoPathButItsOwn)
 
 TEST(Router, answersUnavailableWhereAHandlerThrows)
 {
-    const auto response = answer(routes(), requestFor("POST", "/throws"));
+    const auto response = answer(sampleRoutes(), requestFor("POST", "/throws"));
     EXPECT_EQ(response.status, 503U);
     EXPECT_EQ(response.body, refusals::unavailable().sentence.english);
 }

@@ -19,19 +19,19 @@ unsigned refusedWith(std::string_view bytes)
     return reader.state() == State::Whole ? 0 : 1;
 }
 
-std::string get(const std::string &target, const std::string &headers = "")
+std::string getRequest(const std::string &target, const std::string &headers = "")
 {
     return "GET " + target + " HTTP/1.1\r\nHost: a\r\n" + headers + "\r\n";
 }
 
-std::string post(const std::string &headers, const std::string &body = "")
+std::string postRequest(const std::string &headers, const std::string &body = "")
 {
     return "POST /a HTTP/1.1\r\nHost: a\r\nContent-Type: application/json\r\n" + headers + "\r\n" + body;
 }
 
 std::string chunked(const std::string &body)
 {
-    return post("Transfer-Encoding: chunked\r\n", body);
+    return postRequest("Transfer-Encoding: chunked\r\n", body);
 }
 
 } // namespace
@@ -39,7 +39,7 @@ std::string chunked(const std::string &body)
 TEST(RequestReader, readsARequest)
 {
     RequestReader reader(limits);
-    const auto bytes = get(
+    const auto bytes = getRequest(
         "/a/b?c=d?e", "Accept-Language: ru\r\nAccept: text/html, application/JSON;q=0.5\r\nX-A:  b \t\r\n");
     EXPECT_EQ(reader.take(bytes), bytes.size());
     ASSERT_EQ(reader.state(), State::Whole);
@@ -56,11 +56,11 @@ TEST(RequestReader, readsARequest)
 TEST(RequestReader, takesNoMoreThanOneRequest)
 {
     RequestReader reader(limits);
-    const auto first = post("Content-Length: 2\r\n", "{}");
-    EXPECT_EQ(reader.take(first + get("/b")), first.size());
+    const auto first = postRequest("Content-Length: 2\r\n", "{}");
+    EXPECT_EQ(reader.take(first + getRequest("/b")), first.size());
     EXPECT_EQ(reader.request().body, "{}");
     reader.next();
-    EXPECT_EQ(reader.take(get("/b")), get("/b").size());
+    EXPECT_EQ(reader.take(getRequest("/b")), getRequest("/b").size());
     EXPECT_EQ(reader.request().path, "/b");
     EXPECT_EQ(reader.request().body, "");
 }
@@ -78,8 +78,8 @@ TEST(RequestReader, readsChunks)
 
 TEST(RequestReader, takesOneEmptyLineBeforeARequest)
 {
-    EXPECT_EQ(refusedWith("\r\n" + get("/a")), 0U);
-    EXPECT_EQ(refusedWith("\r\n\r\n" + get("/a")), 400U);
+    EXPECT_EQ(refusedWith("\r\n" + getRequest("/a")), 0U);
+    EXPECT_EQ(refusedWith("\r\n\r\n" + getRequest("/a")), 400U);
 }
 
 TEST(RequestReader, knowsWhetherTheConnectionStays)
@@ -90,29 +90,31 @@ TEST(RequestReader, knowsWhetherTheConnectionStays)
         EXPECT_EQ(reader.state(), State::Whole) << bytes;
         return reader.keepsConnection();
     };
-    EXPECT_TRUE(keeps(get("/a")));
-    EXPECT_FALSE(keeps(get("/a", "Connection: x, Close\r\n")));
+    EXPECT_TRUE(keeps(getRequest("/a")));
+    EXPECT_FALSE(keeps(getRequest("/a", "Connection: x, Close\r\n")));
     EXPECT_FALSE(keeps("GET /a HTTP/1.0\r\n\r\n"));
     EXPECT_TRUE(keeps("GET /a HTTP/1.0\r\nConnection: keep-alive\r\n\r\n"));
 }
 
 TEST(RequestReader, refusesWhatTwoProgramsCouldReadInTwoWays)
 {
-    EXPECT_EQ(refusedWith(post("Content-Length: 2\r\nTransfer-Encoding: chunked\r\n")), 400U);
-    EXPECT_EQ(refusedWith(post("Transfer-Encoding: chunked\r\nContent-Length: 2\r\n")), 400U);
-    EXPECT_EQ(refusedWith(post("Content-Length: 2\r\nContent-Length: 3\r\n", "{} ")), 400U);
-    EXPECT_EQ(refusedWith(post("Content-Length: 2\r\nContent-Length: 2\r\n", "{}")), 400U);
+    EXPECT_EQ(refusedWith(postRequest("Content-Length: 2\r\nTransfer-Encoding: chunked\r\n")), 400U);
+    EXPECT_EQ(refusedWith(postRequest("Transfer-Encoding: chunked\r\nContent-Length: 2\r\n")), 400U);
+    EXPECT_EQ(refusedWith(postRequest("Content-Length: 2\r\nContent-Length: 3\r\n", "{} ")), 400U);
+    EXPECT_EQ(refusedWith(postRequest("Content-Length: 2\r\nContent-Length: 2\r\n", "{}")), 400U);
     for (const auto *length : {"2, 2", "+2", "-2", "0x2", "2 2", "", "99999999999999999999999", "2;"})
-        EXPECT_EQ(refusedWith(post("Content-Length: " + std::string(length) + "\r\n", "{}")), 400U) << length;
+        EXPECT_EQ(refusedWith(postRequest("Content-Length: " + std::string(length) + "\r\n", "{}")), 400U)
+            << length;
     EXPECT_EQ(refusedWith(
                   "POST /a HTTP/1.0\r\nTransfer-Encoding: chunked\r\nContent-Type: application/json\r\n\r\n"),
               400U);
     for (const auto *coding :
          {"gzip", "gzip, chunked", "chunked, chunked", "identity", "xchunked", "\"chunked\""})
-        EXPECT_EQ(refusedWith(post("Transfer-Encoding: " + std::string(coding) + "\r\n")), 501U) << coding;
-    EXPECT_EQ(refusedWith(post("Transfer-Encoding: chunked\r\nTransfer-Encoding: chunked\r\n")), 400U);
-    EXPECT_EQ(refusedWith(post("Transfer-Encoding : chunked\r\n")), 400U);
-    EXPECT_EQ(refusedWith(get("/a", "Host: b\r\n")), 400U);
+        EXPECT_EQ(refusedWith(postRequest("Transfer-Encoding: " + std::string(coding) + "\r\n")), 501U)
+            << coding;
+    EXPECT_EQ(refusedWith(postRequest("Transfer-Encoding: chunked\r\nTransfer-Encoding: chunked\r\n")), 400U);
+    EXPECT_EQ(refusedWith(postRequest("Transfer-Encoding : chunked\r\n")), 400U);
+    EXPECT_EQ(refusedWith(getRequest("/a", "Host: b\r\n")), 400U);
     EXPECT_EQ(refusedWith("GET /a HTTP/1.1\r\n\r\n"), 400U);
     for (const auto *host : {"a b", "a/b", "a@b", "a,b", "a\\b", "a#b"})
         EXPECT_EQ(refusedWith("GET /a HTTP/1.1\r\nHost: " + std::string(host) + "\r\n\r\n"), 400U) << host;
@@ -123,13 +125,13 @@ TEST(RequestReader, refusesLinesThatEndOtherwise)
 {
     EXPECT_EQ(refusedWith("GET /a HTTP/1.1\nHost: a\n\n"), 400U);
     EXPECT_EQ(refusedWith("GET /a HTTP/1.1\r\nHost: a\nX: y\r\n\r\n"), 400U);
-    EXPECT_EQ(refusedWith(get("/a", "X: a\rb\r\n")), 400U);
-    EXPECT_EQ(refusedWith(get("/a", "X: a\r\n b\r\n")), 400U);
-    EXPECT_EQ(refusedWith(get("/a", "X: a\r\n\tb\r\n")), 400U);
-    EXPECT_EQ(refusedWith(get("/a", std::string("X: a\0b\r\n", 8))), 400U);
-    EXPECT_EQ(refusedWith(get("/a", "X\r\n")), 400U);
-    EXPECT_EQ(refusedWith(get("/a", ": b\r\n")), 400U);
-    EXPECT_EQ(refusedWith(get("/a", "X Y: b\r\n")), 400U);
+    EXPECT_EQ(refusedWith(getRequest("/a", "X: a\rb\r\n")), 400U);
+    EXPECT_EQ(refusedWith(getRequest("/a", "X: a\r\n b\r\n")), 400U);
+    EXPECT_EQ(refusedWith(getRequest("/a", "X: a\r\n\tb\r\n")), 400U);
+    EXPECT_EQ(refusedWith(getRequest("/a", std::string("X: a\0b\r\n", 8))), 400U);
+    EXPECT_EQ(refusedWith(getRequest("/a", "X\r\n")), 400U);
+    EXPECT_EQ(refusedWith(getRequest("/a", ": b\r\n")), 400U);
+    EXPECT_EQ(refusedWith(getRequest("/a", "X Y: b\r\n")), 400U);
     EXPECT_EQ(refusedWith("\x16\x03\x01\x02\x00\x01"), 400U) << "TLS is seen at its first bytes";
 }
 
@@ -137,13 +139,13 @@ TEST(RequestReader, refusesTargetsThatAreNotAPath)
 {
     for (const auto *target :
          {"http://a/a", "a:443", "*", "a", "?a", "/a#b", "/a\x7f", "/a\tb", "/\xd0\xb0", "/a b"})
-        EXPECT_EQ(refusedWith(get(target)), 400U) << target;
-    EXPECT_EQ(refusedWith(get(std::string("/a\0b", 4))), 400U);
+        EXPECT_EQ(refusedWith(getRequest(target)), 400U) << target;
+    EXPECT_EQ(refusedWith(getRequest(std::string("/a\0b", 4))), 400U);
     EXPECT_EQ(refusedWith("GET  /a HTTP/1.1\r\nHost: a\r\n\r\n"), 400U);
     EXPECT_EQ(refusedWith("GET /a  HTTP/1.1\r\nHost: a\r\n\r\n"), 400U);
     EXPECT_EQ(refusedWith("GET /a\r\nHost: a\r\n\r\n"), 400U);
     EXPECT_EQ(refusedWith("GET\r\n\r\n"), 400U);
-    EXPECT_EQ(refusedWith(get("/%2e%2e/..//a;b\\c?%00")), 0U) << "which no route matches";
+    EXPECT_EQ(refusedWith(getRequest("/%2e%2e/..//a;b\\c?%00")), 0U) << "which no route matches";
 }
 
 TEST(RequestReader, refusesVersionsAndMethodsItDoesNotKnow)
@@ -162,20 +164,20 @@ TEST(RequestReader, refusesVersionsAndMethodsItDoesNotKnow)
 TEST(RequestReader, refusesWhatIsTooLarge)
 {
     const auto line = "/" + std::string(199, 'a');
-    EXPECT_EQ(refusedWith(get(line)), 0U);
-    EXPECT_EQ(refusedWith(get(line + "a")), 414U);
+    EXPECT_EQ(refusedWith(getRequest(line)), 0U);
+    EXPECT_EQ(refusedWith(getRequest(line + "a")), 414U);
     EXPECT_EQ(refusedWith("GET /" + std::string(300, 'a')), 414U) << "before the line has ended";
-    const auto spare = 1024 - get("/", "X: \r\n").size();
-    EXPECT_EQ(refusedWith(get("/", "X: " + std::string(spare, 'a') + "\r\n")), 0U);
-    EXPECT_EQ(refusedWith(get("/", "X: " + std::string(spare + 1, 'a') + "\r\n")), 431U);
+    const auto spare = 1024 - getRequest("/", "X: \r\n").size();
+    EXPECT_EQ(refusedWith(getRequest("/", "X: " + std::string(spare, 'a') + "\r\n")), 0U);
+    EXPECT_EQ(refusedWith(getRequest("/", "X: " + std::string(spare + 1, 'a') + "\r\n")), 431U);
     EXPECT_EQ(refusedWith("GET / HTTP/1.1\r\nX: " + std::string(1024, 'a')), 431U)
         << "before the head has ended";
     std::string many;
     for (int number = 0; number < 120; ++number)
         many += "a:\r\n";
-    EXPECT_EQ(refusedWith(get("/", many)), 431U);
-    EXPECT_EQ(refusedWith(post("Content-Length: 100\r\n", std::string(100, ' '))), 0U);
-    EXPECT_EQ(refusedWith(post("Content-Length: 101\r\n")), 413U) << "before the body has come";
+    EXPECT_EQ(refusedWith(getRequest("/", many)), 431U);
+    EXPECT_EQ(refusedWith(postRequest("Content-Length: 100\r\n", std::string(100, ' '))), 0U);
+    EXPECT_EQ(refusedWith(postRequest("Content-Length: 101\r\n")), 413U) << "before the body has come";
     EXPECT_EQ(refusedWith(chunked("64\r\n" + std::string(100, ' ') + "\r\n0\r\n\r\n")), 0U);
     EXPECT_EQ(refusedWith(chunked("32\r\n" + std::string(50, ' ') + "\r\n33\r\n")), 413U);
     EXPECT_EQ(refusedWith(chunked("FFFFFFFFFFFFFFFF\r\n")), 413U);
@@ -207,13 +209,13 @@ TEST(RequestReader, takesBodiesOfJsonOnly)
 TEST(RequestReader, knowsOneExpectation)
 {
     RequestReader reader(limits);
-    reader.take(post("Expect: 100-Continue\r\nContent-Length: 2\r\n"));
+    reader.take(postRequest("Expect: 100-Continue\r\nContent-Length: 2\r\n"));
     EXPECT_EQ(reader.state(), State::Body);
     EXPECT_TRUE(reader.expectsContinue());
     reader.take("{}");
     EXPECT_EQ(reader.state(), State::Whole);
     EXPECT_FALSE(reader.expectsContinue());
-    EXPECT_EQ(refusedWith(post("Expect: 200-ok\r\nContent-Length: 2\r\n")), 417U);
+    EXPECT_EQ(refusedWith(postRequest("Expect: 200-ok\r\nContent-Length: 2\r\n")), 417U);
 }
 
 TEST(RequestReader, refusesInTheLanguageOfTheRequest)
@@ -224,7 +226,7 @@ TEST(RequestReader, refusesInTheLanguageOfTheRequest)
     EXPECT_EQ(reader.request().language, Language::Russian);
     EXPECT_TRUE(reader.request().wantsJsonErrors);
     reader.next();
-    reader.take(post("Content-Length: 101\r\nAccept-Language: ru\r\n"));
+    reader.take(postRequest("Content-Length: 101\r\nAccept-Language: ru\r\n"));
     EXPECT_EQ(reader.refusal().status, 413U);
     EXPECT_EQ(reader.request().language, Language::Russian);
     EXPECT_FALSE(reader.request().wantsJsonErrors);

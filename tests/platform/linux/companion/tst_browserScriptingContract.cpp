@@ -2,6 +2,7 @@
 #include "CompanionScripting.h"
 #include "CompanionStage.h"
 #include "FakeBrowserScripting.h"
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -171,5 +172,5 @@ protected:
     }
 };
 
-QTEST_GUILESS_MAIN(tst_browserScriptingContract)
+QUORVEL_TEST(tst_browserScriptingContract, QCoreApplication)
 #include "tst_browserScriptingContract.moc"

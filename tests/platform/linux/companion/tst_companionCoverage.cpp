@@ -1,5 +1,6 @@
 #include "CompanionCoverage.h"
 #include "CompanionStage.h"
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 using State = BrowserCoverage::State;
@@ -14,8 +15,9 @@ RunningApplication application(const QString &name, const QString &id, const QSt
 {
     return {1, name, id, path};
 }
-const auto chromium = application(u"Chromium"_s, u"chromium"_s, u"/usr/lib/chromium/chromium"_s);
-const auto firefox = application(u"Firefox ESR"_s, u"firefox-esr"_s, u"/usr/lib/firefox-esr/firefox-esr"_s);
+const auto runningChromium = application(u"Chromium"_s, u"chromium"_s, u"/usr/lib/chromium/chromium"_s);
+const auto runningFirefox =
+    application(u"Firefox ESR"_s, u"firefox-esr"_s, u"/usr/lib/firefox-esr/firefox-esr"_s);
 
 } // namespace
 
@@ -27,9 +29,11 @@ private Q_SLOTS:
     void listsBrowsersOnce()
     {
         CompanionStage stage;
-        const auto entries = coverage(
-            stage,
-            {firefox, application(u"Steam"_s, u"steam"_s, u"/usr/bin/steam"_s), chromium, chromium, {}});
+        const auto entries = coverage(stage, {runningFirefox,
+                                              application(u"Steam"_s, u"steam"_s, u"/usr/bin/steam"_s),
+                                              runningChromium,
+                                              runningChromium,
+                                              {}});
         QCOMPARE(entries.size(), std::size_t(2));
         QCOMPARE(entries[0].browser, u"Chromium"_s);
         QCOMPARE(entries[1].browser, u"Firefox"_s);
@@ -38,7 +42,7 @@ private Q_SLOTS:
     void missing()
     {
         CompanionStage stage;
-        const auto entries = coverage(stage, {chromium, firefox});
+        const auto entries = coverage(stage, {runningChromium, runningFirefox});
         for (const auto &entry : entries)
             QVERIFY(entry.state == State::Missing && inBothLanguages(entry));
         for (const auto &sentence : {entries[0].adviceEnglish, entries[0].adviceRussian})
@@ -57,13 +61,13 @@ private Q_SLOTS:
                                  [&noticed] { ++noticed; });
         source.coverage({});
         QCOMPARE(noticed, 0);
-        source.coverage({chromium});
-        source.coverage({chromium});
+        source.coverage({runningChromium});
+        source.coverage({runningChromium});
         QCOMPARE(noticed, 1);
-        source.coverage({chromium, firefox});
-        source.coverage({chromium});
+        source.coverage({runningChromium, runningFirefox});
+        source.coverage({runningChromium});
         QCOMPARE(noticed, 2);
-        source.coverage({chromium, firefox}); // it was started again
+        source.coverage({runningChromium, runningFirefox}); // it was started again
         QCOMPARE(noticed, 3);
     }
 
@@ -71,14 +75,14 @@ private Q_SLOTS:
     {
         CompanionStage stage;
         const auto client = stage.connect();
-        QVERIFY(coverage(stage, {chromium})[0].state == State::Missing); // it has told nothing yet
+        QVERIFY(coverage(stage, {runningChromium})[0].state == State::Missing); // it has told nothing yet
         client->tell(noWindows);
-        QTRY_VERIFY(coverage(stage, {chromium})[0].state == State::Connected);
-        const auto entry = coverage(stage, {chromium})[0];
+        QTRY_VERIFY(coverage(stage, {runningChromium})[0].state == State::Connected);
+        const auto entry = coverage(stage, {runningChromium})[0];
         QVERIFY(inBothLanguages(entry));
         QVERIFY(!entry.adviceEnglish.contains(u"Incognito"));
         client->socket().disconnectFromServer();
-        QTRY_VERIFY(coverage(stage, {chromium})[0].state == State::Missing);
+        QTRY_VERIFY(coverage(stage, {runningChromium})[0].state == State::Missing);
     }
 
     void privateWindowsAreNotSeen_data()
@@ -94,7 +98,7 @@ private Q_SLOTS:
         QFETCH(QString, option);
         CompanionStage stage;
         const auto *program = inFirefox ? CompanionStage::firefox : CompanionStage::chromium;
-        const auto running = inFirefox ? firefox : chromium;
+        const auto running = inFirefox ? runningFirefox : runningChromium;
         const auto seeing = stage.connectAndTell(program, noWindows, "null", true);
         const auto blind = stage.connectAndTell(program, noWindows, "null", false);
         QTRY_VERIFY(coverage(stage, {running})[0].adviceEnglish.contains(option));
@@ -138,7 +142,7 @@ private Q_SLOTS:
         CompanionStage stage;
         const auto snap = application(u"Chromium"_s, u"chromium_chromium"_s, u"/snap/chromium/1/chromium"_s);
         QVERIFY(coverage(stage, {snap})[0].state == State::CannotWork);
-        QVERIFY(coverage(stage, {snap, chromium})[0].state == State::Missing);
+        QVERIFY(coverage(stage, {snap, runningChromium})[0].state == State::Missing);
         const auto client = stage.connectAndTell("/snap/chromium/1/usr/lib/chromium/chromium", noWindows);
         QTRY_VERIFY(coverage(stage, {snap})[0].state == State::Connected);
     }
@@ -147,11 +151,11 @@ private Q_SLOTS:
     {
         CompanionStage stage;
         stage.connect()->hello(true, 2);
-        QTRY_VERIFY(coverage(stage, {chromium})[0].adviceEnglish.contains(u"update"));
-        const auto entry = coverage(stage, {chromium})[0];
+        QTRY_VERIFY(coverage(stage, {runningChromium})[0].adviceEnglish.contains(u"update"));
+        const auto entry = coverage(stage, {runningChromium})[0];
         QVERIFY(entry.state == State::Missing && inBothLanguages(entry));
         QVERIFY(entry.adviceRussian.contains(u"обнови"));
-        QVERIFY(!coverage(stage, {firefox})[0].adviceEnglish.contains(u"update"));
+        QVERIFY(!coverage(stage, {runningFirefox})[0].adviceEnglish.contains(u"update"));
     }
 
 private:
@@ -178,5 +182,5 @@ private:
     }
 };
 
-QTEST_GUILESS_MAIN(tst_companionCoverage)
+QUORVEL_TEST(tst_companionCoverage, QCoreApplication)
 #include "tst_companionCoverage.moc"

@@ -1,7 +1,6 @@
 #include "companionMessages.h"
 #include "frames.h"
-
-#include <QTest>
+#include "suite.h"
 
 #include <functional>
 #include <nlohmann/json.hpp>
@@ -302,5 +301,5 @@ private:
     }
 };
 
-QTEST_APPLESS_MAIN(tst_companionMessages)
+QUORVEL_TEST(tst_companionMessages)
 #include "tst_companionMessages.moc"

@@ -1,5 +1,6 @@
 #include "CompanionScripting.h"
 #include "CompanionStage.h"
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -8,8 +9,9 @@ namespace {
 const auto chromium = u"Chromium"_s;
 
 /// Window 1 with the tabs 10 (a), 11 (no address) and 12 (c), and window 2 with 20 (d).
-const auto twoWindows = json("[{'id':1,'active':10,'tabs':[{'id':10,'url':'a'},{'id':11,'url':''},"
-                             "{'id':12,'url':'c'}]},{'id':2,'active':20,'tabs':[{'id':20,'url':'d'}]}]");
+const auto listOfTwoWindows =
+    json("[{'id':1,'active':10,'tabs':[{'id':10,'url':'a'},{'id':11,'url':''},"
+         "{'id':12,'url':'c'}]},{'id':2,'active':20,'tabs':[{'id':20,'url':'d'}]}]");
 /// The same numbers in another profile.
 const auto anotherProfile = json("[{'id':1,'active':10,'tabs':[{'id':10,'url':'x'},{'id':12,'url':'c'}]}]");
 
@@ -35,7 +37,7 @@ private Q_SLOTS:
     {
         CompanionStage stage;
         CompanionScripting scripting(stage.server);
-        const auto first = stage.connectAndTell(CompanionStage::chromium, twoWindows);
+        const auto first = stage.connectAndTell(CompanionStage::chromium, listOfTwoWindows);
         const auto firefox = stage.connectAndTell(CompanionStage::firefox, anotherProfile);
         const auto second = stage.connectAndTell(CompanionStage::chromium, anotherProfile);
         QTRY_COMPARE(scripting.allTabs(chromium).size(), std::size_t(5));
@@ -57,7 +59,7 @@ private Q_SLOTS:
         CompanionStage stage;
         CompanionScripting scripting(stage.server);
         const auto front = [&] { return scripting.frontTabURL(chromium).value_or(u"none"_s); };
-        const auto first = stage.connectAndTell(CompanionStage::chromium, twoWindows, "1");
+        const auto first = stage.connectAndTell(CompanionStage::chromium, listOfTwoWindows, "1");
         QTRY_COMPARE(front(), u"a"_s);
         const auto second = stage.connectAndTell(CompanionStage::chromium, anotherProfile, "1");
         QTRY_COMPARE(front(), u"x"_s);
@@ -79,7 +81,7 @@ private Q_SLOTS:
     {
         CompanionStage stage;
         CompanionScripting scripting(stage.server);
-        const auto first = stage.connectAndTell(CompanionStage::chromium, twoWindows);
+        const auto first = stage.connectAndTell(CompanionStage::chromium, listOfTwoWindows);
         const auto second = stage.connectAndTell(CompanionStage::chromium, anotherProfile);
         QTRY_COMPARE(scripting.allTabs(chromium).size(), std::size_t(5));
         scripting.closeTabs(chromium, {{chromium, 3, 2, u"c"_s},    // the second's 12
@@ -148,7 +150,7 @@ private Q_SLOTS:
                 tabs << u"%1.%2%3"_s.arg(tab.windowIndex).arg(tab.tabIndex).arg(tab.url);
             return tabs.join(u' ');
         };
-        const auto client = stage.connectAndTell(CompanionStage::chromium, twoWindows);
+        const auto client = stage.connectAndTell(CompanionStage::chromium, listOfTwoWindows);
         QTRY_COMPARE(list(), u"1.1a 1.3c 2.1d"_s);
         client->send(message);
         QFETCH(QString, after);
@@ -159,7 +161,7 @@ private Q_SLOTS:
     {
         CompanionStage stage;
         CompanionScripting scripting(stage.server);
-        const auto client = stage.connectAndTell(CompanionStage::chromium, twoWindows);
+        const auto client = stage.connectAndTell(CompanionStage::chromium, listOfTwoWindows);
         QTRY_COMPARE(scripting.allTabs(chromium).size(), std::size_t(3));
         const auto before = stage.server.revision(chromium);
         client->send(json("{'type':'active','window':1,'tab':12}"));
@@ -176,16 +178,16 @@ private Q_SLOTS:
         CompanionStage stage;
         CompanionScripting scripting(stage.server);
         QVERIFY(scripting.furtherBrowsers().empty());
-        const auto supported = stage.connectAndTell(CompanionStage::chromium, twoWindows);
+        const auto supported = stage.connectAndTell(CompanionStage::chromium, listOfTwoWindows);
         const auto silent = stage.connect(CompanionStage::firefox);
         QTRY_COMPARE(scripting.allTabs(chromium).size(), std::size_t(3));
         QVERIFY(scripting.furtherBrowsers().empty());
-        silent->tell(twoWindows);
+        silent->tell(listOfTwoWindows);
         QTRY_VERIFY(scripting.furtherBrowsers() == std::vector<QString>{u"Firefox"_s});
         silent->socket().disconnectFromServer();
         QTRY_VERIFY(scripting.furtherBrowsers().empty());
     }
 };
 
-QTEST_GUILESS_MAIN(tst_companionScripting)
+QUORVEL_TEST(tst_companionScripting, QCoreApplication)
 #include "tst_companionScripting.moc"

@@ -1,4 +1,6 @@
 #include "CompanionStage.h"
+#include "keptWarnings.h"
+#include "suite.h"
 
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -12,29 +14,17 @@ namespace {
 
 const QByteArray oneWindow = json("[{'id':1,'active':10,'tabs':[{'id':10,'url':'https://a.example/'}]}]");
 
-QStringList warnings;
-QtMessageHandler earlier = nullptr;
-
-void keepWarning(QtMsgType type, const QMessageLogContext &context, const QString &text)
-{
-    if (qstrcmp(context.category, "quorvel.companion") == 0) {
-        if (type == QtWarningMsg)
-            warnings << text;
-        return;
-    }
-    earlier(type, context, text);
-}
-
 } // namespace
 
 class tst_companionServer : public QObject
 {
     Q_OBJECT
 
+    KeptWarnings m_warnings;
+
 private Q_SLOTS:
-    void initTestCase() { earlier = qInstallMessageHandler(keepWarning); }
-    void cleanupTestCase() { qInstallMessageHandler(earlier); }
-    void init() { warnings.clear(); }
+    void initTestCase() { m_warnings.begin("quorvel.companion"); }
+    void init() { m_warnings.texts().clear(); }
 
     void talksWithABrowser()
     {
@@ -57,7 +47,7 @@ private Q_SLOTS:
         client->socket().disconnectFromServer();
         QTRY_VERIFY(stage.server.browsers().isEmpty());
         stage.server.close(sources[0].number, {{10, u"https://a.example/"_s}}); // gone: passed over
-        QVERIFY2(warnings.isEmpty(), qPrintable(warnings.join(u'\n')));
+        QVERIFY2(m_warnings.texts().isEmpty(), qPrintable(m_warnings.texts().join(u'\n')));
     }
 
     void takesFramesInAnyPieces()
@@ -136,9 +126,10 @@ private Q_SLOTS:
         const auto good = CompanionClient::frameOf(json("{'type':'focus','window':null}"));
         client->sendBytes(bytes + good + CompanionClient::frameOf("more nonsense"));
         QTRY_VERIFY(client->isClosed());
-        QCOMPARE(warnings.size(), 1);
-        QVERIFY2(warnings[0].contains(says) && warnings[0].contains(u"Chromium"), qPrintable(warnings[0]));
-        QVERIFY(!warnings[0].contains(u"secret"));
+        QCOMPARE(m_warnings.texts().size(), 1);
+        QVERIFY2(m_warnings.texts()[0].contains(says) && m_warnings.texts()[0].contains(u"Chromium"),
+                 qPrintable(m_warnings.texts()[0]));
+        QVERIFY(!m_warnings.texts()[0].contains(u"secret"));
     }
 
     void remembersWhoSpeaksAnotherProtocol()
@@ -163,7 +154,7 @@ private Q_SLOTS:
         QTRY_VERIFY(stage.server.browsers().isEmpty());
         client->tell(oneWindow);
         QTRY_VERIFY(!stage.server.browsers().isEmpty());
-        QVERIFY(warnings.isEmpty());
+        QVERIFY(m_warnings.texts().isEmpty());
     }
 
     void aSilentPeerIsDropped()
@@ -172,7 +163,7 @@ private Q_SLOTS:
         const auto teller = stage.connectAndTell(CompanionStage::firefox, oneWindow);
         const auto silent = stage.connect();
         QTRY_VERIFY(silent->isClosed());
-        QCOMPARE(warnings.size(), 1);
+        QCOMPARE(m_warnings.texts().size(), 1);
         QVERIFY(!teller->isClosed());
     }
 
@@ -190,7 +181,7 @@ private Q_SLOTS:
             QTRY_VERIFY(oneMore.isClosed());
             QCOMPARE(oneMore.socket().readAll(), QByteArray());
         }
-        QCOMPARE(warnings.size(), 1);
+        QCOMPARE(m_warnings.texts().size(), 1);
         clients.front()->tell(oneWindow);
         QTRY_COMPARE(stage.server.browsers(), QStringList{u"Chromium"_s});
         clients.pop_back(); // makes room
@@ -218,14 +209,14 @@ private Q_SLOTS:
         const auto number = stage.server.sources(u"Chromium"_s)[0].number;
         const std::vector<CompanionTab> order(100, {1, QString(longestAddress, u'x')}); // 100 kB
         int orders = 0;
-        for (; orders < 200 && warnings.isEmpty(); ++orders) {
+        for (; orders < 200 && m_warnings.texts().isEmpty(); ++orders) {
             stage.server.close(number, order);
             QCoreApplication::processEvents();
         }
         QVERIFY2(orders > 38 && orders < 60,
                  qPrintable(QString::number(orders))); // 4 MiB, and what the kernel takes
-        QCOMPARE(warnings.size(), 1);
-        QVERIFY(warnings[0].contains(u"does not read"));
+        QCOMPARE(m_warnings.texts().size(), 1);
+        QVERIFY(m_warnings.texts()[0].contains(u"does not read"));
         QVERIFY(stage.server.sources(u"Chromium"_s).empty());
         QCOMPARE(stage.server.sources(u"Firefox"_s).size(), std::size_t(1));
         ::close(bare);
@@ -244,11 +235,11 @@ private Q_SLOTS:
                 hostile.back()->sendBytes(number % 2 ? QByteArray(5000, char(number))
                                                      : CompanionClient::frameOf("{}"));
             }
-            QTRY_COMPARE(warnings.size(), 50 * wave);
+            QTRY_COMPARE(m_warnings.texts().size(), 50 * wave);
             for (const auto &client : hostile)
                 QTRY_VERIFY(client->isClosed());
         }
-        QCOMPARE(warnings.size(), 100);
+        QCOMPARE(m_warnings.texts().size(), 100);
         good->send(json("{'type':'address','tab':10,'url':'b'}"));
         QTRY_COMPARE(stage.server.sources(u"Firefox"_s)[0].ledger->windows()[0].tabs[0].url, u"b"_s);
     }
@@ -275,12 +266,12 @@ private Q_SLOTS:
             char byte;
             ::_exit(::read(bare, &byte, 1) > 0 ? 5 : 0); // the end, and no welcome
         }
-        QTRY_COMPARE(warnings.size(), 1);
+        QTRY_COMPARE(m_warnings.texts().size(), 1);
         int status = -1;
         QCOMPARE(::waitpid(stranger, &status, 0), stranger);
         QVERIFY(WIFEXITED(status));
         QCOMPARE(WEXITSTATUS(status), 0);
-        QVERIFY(warnings[0].contains(u"another user"));
+        QVERIFY(m_warnings.texts()[0].contains(u"another user"));
     }
 
     void replacesAStaleSocketAndTakesItsOwnAway()
@@ -315,5 +306,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(tst_companionServer)
+QUORVEL_TEST(tst_companionServer, QCoreApplication)
 #include "tst_companionServer.moc"

@@ -1,9 +1,9 @@
 #include "FailingFileCalls.h"
 #include "companionIdentity.h"
 #include "hostManifests.h"
+#include "keptWarnings.h"
+#include "suite.h"
 #include "testFiles.h"
-
-#include <QTest>
 
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -15,17 +15,6 @@ using Json = nlohmann::json;
 namespace {
 
 const auto fileName = QLatin1StringView(relayName) + u".json"_s;
-
-QStringList warnings;
-QtMessageHandler earlier = nullptr;
-
-void keepWarning(QtMsgType type, const QMessageLogContext &context, const QString &text)
-{
-    if (qstrcmp(context.category, "quorvel.companion.manifests") != 0)
-        earlier(type, context, text);
-    else
-        warnings << text;
-}
 
 struct stat statusOf(const QString &path)
 {
@@ -41,12 +30,13 @@ class tst_hostManifests : public QObject
 {
     Q_OBJECT
 
+    KeptWarnings m_warnings;
+
 private Q_SLOTS:
-    void initTestCase() { earlier = qInstallMessageHandler(keepWarning); }
-    void cleanupTestCase() { qInstallMessageHandler(earlier); }
+    void initTestCase() { m_warnings.begin("quorvel.companion.manifests"); }
     void init()
     {
-        warnings.clear();
+        m_warnings.texts().clear();
         m_home = std::make_unique<QTemporaryDir>();
         QVERIFY(QDir(m_home->path()).mkpath(u"bin"_s));
         addProgram(u"relay"_s);
@@ -96,7 +86,7 @@ private Q_SLOTS:
         QCOMPARE(write(), QStringList{path});
         QCOMPARE(mode(m_home->filePath(folder)), 0700);
         QCOMPARE(mode(m_home->filePath(folder + manifests)), 0700);
-        QCOMPARE(warnings, QStringList());
+        QCOMPARE(m_warnings.texts(), QStringList());
     }
 
     void firefoxWithItsProfilesInTheConfigFolder()
@@ -170,7 +160,7 @@ private Q_SLOTS:
         QVERIFY(QDir().mkpath(path + u"/inside"_s));
         QVERIFY(QDir(m_home->path()).mkpath(u".mozilla"_s));
         QCOMPARE(write().size(), 1); // the other browser's
-        QCOMPARE(warnings.size(), 1);
+        QCOMPARE(m_warnings.texts().size(), 1);
         QVERIFY(QFileInfo(path + u"/inside"_s).isDir());
     }
 
@@ -179,7 +169,7 @@ private Q_SLOTS:
         const auto path = chromiumManifest();
         put(QFileInfo(path).path(), "a file");
         QCOMPARE(write(), QStringList());
-        QCOMPARE(warnings.size(), 1);
+        QCOMPARE(m_warnings.texts().size(), 1);
         QCOMPARE(content(QFileInfo(path).path()), QByteArray("a file"));
     }
 
@@ -191,7 +181,7 @@ private Q_SLOTS:
         int failed = 0;
         for (int step = 0;; ++step) {
             put(path, "old");
-            warnings.clear();
+            m_warnings.texts().clear();
             FailingFileCalls calls;
             calls.failingStep = step;
             calls.error = EROFS;
@@ -199,7 +189,7 @@ private Q_SLOTS:
             if (calls.steps.size() <= step)
                 break;
             QVERIFY(content(path) == (written.isEmpty() ? QByteArray("old") : right));
-            QCOMPARE(warnings.size(), written.isEmpty() ? 1 : 0);
+            QCOMPARE(m_warnings.texts().size(), written.isEmpty() ? 1 : 0);
             if (calls.steps.at(step) != "unlink")
                 QCOMPARE(names(QFileInfo(path).path()), QStringList{fileName});
             failed += written.isEmpty();
@@ -215,7 +205,7 @@ private Q_SLOTS:
         put(m_home->filePath(u"bin/relay"_s), "no program");
         QCOMPARE(write(), QStringList());
         QVERIFY(!QFileInfo::exists(path));
-        QCOMPARE(warnings.size(), 2);
+        QCOMPARE(m_warnings.texts().size(), 2);
     }
 
     void ownPlaces()
@@ -253,5 +243,5 @@ private:
     std::unique_ptr<QTemporaryDir> m_home;
 };
 
-QTEST_GUILESS_MAIN(tst_hostManifests)
+QUORVEL_TEST(tst_hostManifests, QCoreApplication)
 #include "tst_hostManifests.moc"

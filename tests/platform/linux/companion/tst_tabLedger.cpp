@@ -1,6 +1,5 @@
 #include "TabLedger.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 using Outcome = TabLedger::Outcome;
@@ -237,5 +236,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(tst_tabLedger)
+QUORVEL_TEST(tst_tabLedger)
 #include "tst_tabLedger.moc"

@@ -1,7 +1,6 @@
 #include "DesktopEntry.h"
 #include "keyFiles.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -110,5 +109,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(tst_keyFiles)
+QUORVEL_TEST(tst_keyFiles, QCoreApplication)
 #include "tst_keyFiles.moc"

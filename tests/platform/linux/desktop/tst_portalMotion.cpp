@@ -1,6 +1,7 @@
 // The wish for less movement as a portal on a real session bus has it.
 #include "PortalMotion.h"
 #include "desktopParts.h"
+#include "suite.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -9,7 +10,6 @@
 #include <QDBusVirtualObject>
 #include <QProcess>
 #include <QStandardPaths>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 
@@ -202,5 +202,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(tst_portalMotion)
+QUORVEL_TEST(tst_portalMotion, QCoreApplication)
 #include "tst_portalMotion.moc"

@@ -1,8 +1,7 @@
 #include "FailingFileCalls.h"
 #include "schemeHandler.h"
+#include "suite.h"
 #include "testFiles.h"
-
-#include <QTest>
 
 #include <memory>
 
@@ -237,5 +236,5 @@ private:
     std::unique_ptr<QTemporaryDir> m_home;
 };
 
-QTEST_GUILESS_MAIN(tst_schemeHandler)
+QUORVEL_TEST(tst_schemeHandler, QCoreApplication)
 #include "tst_schemeHandler.moc"

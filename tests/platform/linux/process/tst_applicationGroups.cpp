@@ -1,5 +1,6 @@
 #include "MadeSystem.h"
 #include "displayName.h"
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -286,5 +287,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestApplicationGroups)
+QUORVEL_TEST(TestApplicationGroups, QCoreApplication)
 #include "tst_applicationGroups.moc"

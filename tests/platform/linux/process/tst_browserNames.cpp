@@ -1,6 +1,5 @@
 #include "browserNames.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -86,5 +85,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestBrowserNames)
+QUORVEL_TEST(TestBrowserNames, QCoreApplication)
 #include "tst_browserNames.moc"

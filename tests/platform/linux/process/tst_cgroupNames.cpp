@@ -1,6 +1,5 @@
 #include "cgroupNames.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -57,5 +56,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestCgroupNames)
+QUORVEL_TEST(TestCgroupNames, QCoreApplication)
 #include "tst_cgroupNames.moc"

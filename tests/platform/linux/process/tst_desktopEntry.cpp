@@ -1,6 +1,5 @@
 #include "DesktopEntry.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -108,5 +107,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestDesktopEntry)
+QUORVEL_TEST(TestDesktopEntry, QCoreApplication)
 #include "tst_desktopEntry.moc"

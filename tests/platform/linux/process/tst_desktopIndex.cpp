@@ -1,5 +1,6 @@
 #include "MadeSystem.h"
 #include "desktopMatching.h"
+#include "suite.h"
 
 #include <QDateTime>
 
@@ -179,5 +180,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestDesktopIndex)
+QUORVEL_TEST(TestDesktopIndex, QCoreApplication)
 #include "tst_desktopIndex.moc"

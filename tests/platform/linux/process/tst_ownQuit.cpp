@@ -1,4 +1,5 @@
 #include "OwnQuit.h"
+#include "suite.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -6,7 +7,6 @@
 #include <QDBusVirtualObject>
 #include <QProcess>
 #include <QStandardPaths>
-#include <QTest>
 
 #include <unistd.h>
 
@@ -121,5 +121,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestOwnQuit)
+QUORVEL_TEST(TestOwnQuit, QCoreApplication)
 #include "tst_ownQuit.moc"

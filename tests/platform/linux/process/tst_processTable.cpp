@@ -1,6 +1,7 @@
 #include "MadeSystem.h"
 #include "ProcessTable.h"
 #include "sessionParts.h"
+#include "suite.h"
 
 #include <QProcess>
 
@@ -208,5 +209,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestProcessTable)
+QUORVEL_TEST(TestProcessTable, QCoreApplication)
 #include "tst_processTable.moc"

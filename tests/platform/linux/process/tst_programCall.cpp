@@ -1,6 +1,5 @@
 #include "programCall.h"
-
-#include <QTest>
+#include "suite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -55,5 +54,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestProgramCall)
+QUORVEL_TEST(TestProgramCall, QCoreApplication)
 #include "tst_programCall.moc"

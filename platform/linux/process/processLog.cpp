@@ -1,0 +1,3 @@
+#include "processLog.h"
+
+Q_LOGGING_CATEGORY(logProcess, "quorvel.platform.process", QtInfoMsg)

@@ -1,0 +1,3 @@
+#include "studyLog.h"
+
+Q_LOGGING_CATEGORY(lcStudy, "quorvel.study")
