@@ -59,13 +59,13 @@ std::string headerText(std::string_view text)
         return std::string(text);
     // 45 bytes are 60 characters of base64, 72 with what stands around them: RFC 2047 allows 75.
     constexpr std::size_t bytesOfWord = 45;
-    std::string words;
+    std::string encoded;
     while (!text.empty()) {
         const auto part = firstBytes(text, bytesOfWord);
-        words += fmt::format("{}=?UTF-8?B?{}?=", words.empty() ? "" : "\r\n ", base64(part));
+        encoded += fmt::format("{}=?UTF-8?B?{}?=", encoded.empty() ? "" : "\r\n ", base64(part));
         text.remove_prefix(part.size());
     }
-    return words;
+    return encoded;
 }
 
 std::string mailDate(std::chrono::sys_seconds time)
