@@ -42,7 +42,7 @@ function(quorvel_library name)
     quorvel_together(${name})
 endfunction()
 
-# Tests labelled heavy are built by the target heavy_tests and by no other.
+# Programs of heavy tests alone are built by the target heavy_tests and by no other.
 add_custom_target(heavy_tests)
 
 # quorvel_heavy(<target>...)
@@ -105,7 +105,7 @@ function(quorvel_test name)
     endif()
 endfunction()
 
-# quorvel_server_test(<tst_thing> SOURCES <files> LINKS <targets> LABELS <labels>)
+# quorvel_server_test(<tst_thing> SOURCES <files> LINKS <targets> LABELS <labels> TIMEOUT <seconds>)
 # Builds the tests of a folder of the backend service as one program, by GoogleTest and without Qt.
 function(quorvel_server_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "SOURCES;LINKS;LABELS")

@@ -18,7 +18,6 @@ namespace asio = boost::asio;
 
 namespace {
 
-constexpr std::string_view sqlite = "sqlite:";
 constexpr std::chrono::minutes betweenTidyings{5};
 
 std::unique_ptr<Mailer> mailerFor(const SmtpSettings &settings)
@@ -32,7 +31,7 @@ Result<std::string> keyFor(const Configuration &configuration)
 {
     if (!configuration.secretKey.empty())
         return Result<std::string>(boost::system::in_place_value, configuration.secretKey);
-    return keptSecretKey(configuration.database.url.substr(sqlite.size()) + ".key");
+    return keptSecretKey(sqlitePathOf(configuration.database.url).value_or("") + ".key");
 }
 
 /// "127.0.0.1:0" with the port that was found.

@@ -10,6 +10,7 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <map>
 #include <spdlog/sinks/stdout_sinks.h>
 #include <spdlog/spdlog.h>
@@ -87,6 +88,10 @@ int revoke(const Configuration &configuration, const CommandLine &command)
         if (!email)
             return fail(badUsage, "That is no mail address.");
     }
+    // Opening would make it, and tell that nobody's sessions were ended.
+    if (const auto path = sqlitePathOf(configuration.database.url); path && !std::filesystem::exists(*path))
+        return fail(unavailable, "there is no database at " + *path +
+                                     "; --config FILE gives the settings that the service has");
     const auto ended = endSessions(configuration, email);
     if (!ended)
         return fail(unavailable, ended.error().reason);

@@ -25,6 +25,16 @@ void SurfaceItem::setStartColor(const QColor &color)
     Q_EMIT startColorChanged();
 }
 
+void SurfaceItem::setRestless(bool restless)
+{
+    if (m_restless == restless)
+        return;
+    SurfacePlate::leave(this);
+    take(m_restless, restless);
+    if (window() && !restless)
+        SurfacePlate::join(this);
+}
+
 SurfaceStyle SurfaceItem::style() const
 {
     auto style = m_style;
@@ -39,7 +49,7 @@ QSGNode *SurfaceItem::updatePaintNode(QSGNode *old, UpdatePaintNodeData *)
         delete old;
         return nullptr;
     }
-    if (SurfacePlate::draws(window())) {
+    if (!m_restless && SurfacePlate::draws(window())) {
         delete old;
         return nullptr;
     }
@@ -66,7 +76,7 @@ void SurfaceItem::itemChange(ItemChange change, const ItemChangeData &value)
         update();
     if (change == ItemSceneChange) {
         SurfacePlate::leave(this);
-        if (value.window)
+        if (value.window && !m_restless)
             SurfacePlate::join(this);
     }
     QQuickItem::itemChange(change, value);

@@ -27,6 +27,7 @@ class SurfaceItem : public QQuickItem
     Q_PROPERTY(QColor secondShadowColor READ secondShadowColor WRITE setSecondShadowColor NOTIFY styleChanged FINAL)
     Q_PROPERTY(qreal secondShadowSigma READ secondShadowSigma WRITE setSecondShadowSigma NOTIFY styleChanged FINAL)
     Q_PROPERTY(QPointF secondShadowOffset READ secondShadowOffset WRITE setSecondShadowOffset NOTIFY styleChanged FINAL)
+    Q_PROPERTY(bool restless READ isRestless WRITE setRestless NOTIFY styleChanged FINAL)
     // clang-format on
 
 public:
@@ -62,6 +63,11 @@ public:
     void setSecondShadowSigma(qreal sigma) { take(m_style.second.sigma, sigma); }
     void setSecondShadowOffset(QPointF offset) { take(m_style.second.offset, offset); }
 
+    /// A shape that changes as the time goes by, such as the full part of a bar. It always draws itself, so
+    /// that those that rest need not.
+    bool isRestless() const { return m_restless; }
+    void setRestless(bool restless);
+
     /// As it is drawn.
     SurfaceStyle style() const;
 
@@ -88,4 +94,5 @@ private:
     SurfaceStyle m_style;
     std::optional<QColor> m_middle;
     std::optional<QColor> m_end;
+    bool m_restless = false;
 };

@@ -73,18 +73,21 @@ FocusScope {
 
     Shortcut {
         sequence: "Ctrl+L"
+        autoRepeat: false
         enabled: layout.enabled
         onActivated: layout.controller.lockNow()
     }
 
     Shortcut {
         sequence: "Ctrl+S"
+        autoRepeat: false
         enabled: layout.enabled && layout.selection === ProductSection.Focus && layout.controller.canStartStudy
         onActivated: layout.controller.startStudy()
     }
 
     Shortcut {
         sequence: "Ctrl+Shift+S"
+        autoRepeat: false
         enabled: layout.enabled && layout.selection === ProductSection.Rules
         onActivated: layout.controller.saveSettings()
     }

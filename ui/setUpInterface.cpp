@@ -1,6 +1,7 @@
 #include "setUpInterface.h"
 
 #include "IconProvider.h"
+#include "heldKeys.h"
 #include "installAccessibleItems.h"
 
 #include <QFont>
@@ -19,6 +20,7 @@ void setUpInterface(QQmlEngine &engine)
     QGuiApplication::setFont(font);
 
     installAccessibleItems();
+    pressHeldKeysOnce(*QCoreApplication::instance());
     engine.addImportPath(u":/qt/qml"_s);
     engine.addImageProvider(u"icons"_s, new IconProvider); // the engine owns it
 }

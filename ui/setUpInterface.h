@@ -2,8 +2,8 @@
 
 class QQmlEngine;
 
-/// Makes the interface ready to be loaded: its module and icons for `engine`, its font and control style for
-/// the application. Once, before the root view is loaded.
+/// Makes the interface ready to be loaded: its module and icons for `engine`, its font, control style and
+/// keys for the application. Once, before the root view is loaded.
 void setUpInterface(QQmlEngine &engine);
 
 /// Lets every window of this program draw in the way that is cheapest for this interface. Before the first

@@ -1,15 +1,20 @@
 #include "commandLine.h"
 
 #include <string_view>
+#include <utility>
 #include <vector>
 
 Result<CommandLine> readCommandLine(int argc, const char *const *argv)
 {
     CommandLine command;
+    bool hasAction = false;
     const std::vector<std::string_view> words(argv + std::min(argc, 1), argv + argc);
     for (std::size_t place = 0; place < words.size(); ++place) {
         const auto word = words[place];
         const bool hasNext = place + 1 < words.size();
+        const bool isAction = word != "--config";
+        if (isAction && std::exchange(hasAction, true)) // ending sessions by mistake cannot be taken back
+            return Failure{std::string(word) + " cannot stand together with what is before it."};
         if (word == "--help" || word == "-h") {
             command.action = CommandLine::Action::Help;
         } else if (word == "--check-config") {

@@ -69,6 +69,10 @@ void checkService(const RawSettings &raw, Configuration &made, Problems &problem
 {
     made.http.listen = wordsOf(raw.listen);
     need(!made.http.listen.empty(), "listen names no address.", problems);
+    for (const auto &address : made.http.listen)
+        need(endpointFrom(address).has_value(),
+             "listen: " + address + " is no address with a port, such as 127.0.0.1:8080 or [::1]:8080.",
+             problems);
     made.http.trustedProxies = checkedNetworks("trusted-proxies", raw.trustedProxies, problems);
     made.metricsFrom = checkedNetworks("metrics-from", raw.metricsFrom, problems);
     made.publicUrl = raw.publicUrl;
@@ -90,10 +94,10 @@ void checkService(const RawSettings &raw, Configuration &made, Problems &problem
 void checkDatabase(const RawSettings &raw, Configuration &made, Problems &problems)
 {
     made.database.url = raw.database;
-    const bool isSqlite = raw.database.starts_with("sqlite:") && raw.database.size() > 7;
-    const bool isPostgresql =
-        raw.database.starts_with("postgresql://") || raw.database.starts_with("postgres://");
-    need(isSqlite || isPostgresql, "database is neither sqlite:PATH nor postgresql://….", problems);
+    const auto problem = problemOfDatabaseUrl(raw.database);
+    const bool isPostgresql = !problem && !sqlitePathOf(raw.database);
+    if (problem)
+        problems.push_back("database: " + *problem + ".");
     needRange("database-connections", raw.databaseConnections, 2, 64, problems);
     made.database.connections = static_cast<unsigned>(raw.databaseConnections);
     const auto key = secretKeyFrom(trimmed(raw.secretKey));

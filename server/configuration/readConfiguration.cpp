@@ -2,6 +2,7 @@
 
 #include "configurationChecks.h"
 #include "options.h"
+#include "textChecks.h"
 
 #include <boost/algorithm/string/case_conv.hpp>
 #include <boost/algorithm/string/replace.hpp>
@@ -60,10 +61,13 @@ void readFile(const std::string &path, const po::options_description &settings, 
         return;
     }
     try {
-        po::store(po::parse_config_file(file, settings), read);
-    } catch (const po::unknown_option &problem) {
-        problems.push_back("There is no setting " + problem.get_option_name() + ", which stands in " + path +
-                           ".");
+        const auto parsed = po::parse_config_file(file, settings, true);
+        for (const auto &option : parsed.options) {
+            if (option.unregistered)
+                problems.push_back("There is no setting " + option.string_key + ", which stands in " + path +
+                                   ".");
+        }
+        po::store(parsed, read);
     } catch (const po::invalid_syntax &) {
         problems.push_back("A line of " + path + " is not of the form: name = value.");
     } catch (const po::error_with_option_name &problem) {
@@ -83,12 +87,13 @@ std::string presetOf(const boost::any &preset)
     return text ? *text : std::string();
 }
 
-/// The first line of a file with a secret; none where it cannot be read or is empty.
+/// The first line of a file with a secret; none where it cannot be read or is blank.
 std::optional<std::string> secretIn(const std::string &path)
 {
     std::ifstream file(path);
     std::string line;
-    if (!std::getline(file, line))
+    std::getline(file, line);
+    if (trimmed(line).empty())
         return std::nullopt;
     if (line.ends_with('\r'))
         line.pop_back();

@@ -30,8 +30,9 @@ constexpr std::chrono::milliseconds shortagePause{100};
 /// How long handlers have to end after they were cancelled.
 constexpr std::chrono::seconds cancelTime{1};
 
-/// "127.0.0.1:8080" or "[::1]:8080".
-std::optional<Endpoint> endpointFrom(std::string_view text)
+} // namespace
+
+std::optional<asio::ip::tcp::endpoint> endpointFrom(std::string_view text)
 {
     const auto colon = text.rfind(':');
     if (colon == std::string_view::npos)
@@ -50,8 +51,6 @@ std::optional<Endpoint> endpointFrom(std::string_view text)
         return std::nullopt;
     return Endpoint(address, port);
 }
-
-} // namespace
 
 struct HttpServer::State : ConnectionsShared, std::enable_shared_from_this<State>
 {

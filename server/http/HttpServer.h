@@ -5,11 +5,14 @@
 
 #include <boost/asio/awaitable.hpp>
 #include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace prometheus {
@@ -37,6 +40,9 @@ struct HttpServerSettings
     /// many as it likes.
     std::size_t mostConnectionsPerAddress = 1'000;
 };
+
+/// "127.0.0.1:8080" or "[::1]:8080"; none where it is no such address.
+std::optional<boost::asio::ip::tcp::endpoint> endpointFrom(std::string_view text);
 
 /// Serves HTTP 1.1 on the addresses of its settings. A reverse proxy before it adds TLS.
 ///

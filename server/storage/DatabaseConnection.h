@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <memory>
+#include <optional>
 #include <string>
 #include <typeindex>
 #include <unordered_map>
@@ -85,6 +86,12 @@ public:
     /// How many of `connections` only read; the others write.
     virtual unsigned readers(unsigned connections) const = 0;
 };
+
+/// The path of "sqlite:PATH"; none where the URL is of another kind.
+std::optional<std::string> sqlitePathOf(const std::string &url);
+
+/// What is wrong with a URL for DatabaseSettings, as far as that can be told without opening anything.
+std::optional<std::string> problemOfDatabaseUrl(const std::string &url);
 
 /// Of the URLs of DatabaseSettings.
 Result<std::unique_ptr<DatabaseEngine>> databaseEngine(const std::string &url);

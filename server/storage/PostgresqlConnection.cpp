@@ -159,17 +159,27 @@ std::string urlOf(const std::map<std::string, std::string> &parameters)
     return url;
 }
 
+using ConnectionOptions = std::unique_ptr<PQconninfoOption, void (*)(PQconninfoOption *)>;
+
+/// None where libpq does not understand the URL.
+ConnectionOptions optionsOf(const std::string &url)
+{
+    char *complaint = nullptr;
+    ConnectionOptions options(PQconninfoParse(url.c_str(), &complaint), &PQconninfoFree);
+    PQfreemem(complaint); // it may quote the password
+    return options;
+}
+
 } // namespace
+
+bool isPostgresqlUrl(const std::string &url)
+{
+    return optionsOf(url) != nullptr;
+}
 
 Result<std::unique_ptr<DatabaseEngine>> postgresqlEngine(const std::string &url)
 {
-    char *complaint = nullptr;
-    const std::unique_ptr<PQconninfoOption, void (*)(PQconninfoOption *)> options(
-        PQconninfoParse(url.c_str(), &complaint), &PQconninfoFree);
-    if (!options) {
-        PQfreemem(complaint); // it may quote the password
-        return Failure{"the database's address is no URL that PostgreSQL understands"};
-    }
+    const auto options = optionsOf(url);
     // A server that is gone without a word is noticed in seconds; what the URL says counts more.
     std::map<std::string, std::string> parameters{{"application_name", "quorvel-server"},
                                                   {"client_encoding", "UTF8"},

@@ -89,10 +89,13 @@ private:
 
 } // namespace
 
+bool isSqlitePath(const std::string &path)
+{
+    return !path.empty() && !path.starts_with(':') && path.find('"') == std::string::npos;
+}
+
 Result<std::unique_ptr<DatabaseEngine>> sqliteEngine(const std::string &path)
 {
-    if (path.empty() || path.starts_with(':') || path.find('"') != std::string::npos)
-        return Failure{"the database's file needs a path without quotation marks, as in sqlite:PATH"};
     // SQLite would make it readable for everybody; its further files take their modes from this one.
     const int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
     if (file < 0)

@@ -7,6 +7,7 @@
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickView>
+#include <QSignalSpy>
 
 #include <algorithm>
 
@@ -114,6 +115,31 @@ private Q_SLOTS:
         QCOMPARE(resting.size(), alone.size());
         const auto found = difference(alone, resting);
         QVERIFY2(found.isUnseen(), found.text().constData());
+    }
+
+    void aSecondOfASessionWakesNone()
+    {
+        PreviewScene scene(PreviewState::Studying, PreviewDesktop::Mixed, AppLanguage::English);
+        PreviewWindow window(scene, ProductSection::Focus, usual);
+        scene.standStill();
+        QVERIFY(window.scrollTo(0).ok());
+        auto *shown = window.content().window();
+        QTRY_VERIFY(SurfacePlate::draws(shown));
+        SurfaceItem *full = nullptr; // of the bar
+        for (auto *shape : shown->contentItem()->findChildren<SurfaceItem *>()) {
+            if (shape->isRestless() && shape->isVisible())
+                full = shape;
+        }
+        QVERIFY(full);
+        for (int second = 0; second < 3; ++second) {
+            const auto width = full->width();
+            scene.seconds(1);
+            QTRY_VERIFY(full->width() > width);
+            QSignalSpy frames(shown, &QQuickWindow::frameSwapped);
+            shown->update();
+            QVERIFY(frames.wait());
+            QVERIFY(SurfacePlate::draws(shown));
+        }
     }
 
     void aFillIsEven_data()

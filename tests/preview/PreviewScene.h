@@ -16,6 +16,8 @@ public:
     QuorvelController &controller() { return *m_harness.controller; }
     DesktopSupport &desktopSupport() { return m_desktopSupport; }
 
+    void seconds(qint64 count) { m_harness.seconds(count); }
+
     /// Stops the heartbeat, so that what is shown stays as it is.
     void standStill();
 

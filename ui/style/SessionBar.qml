@@ -32,5 +32,6 @@ Item {
         height: parent.height
         radius: height / 2
         startColor: bar.color
+        restless: true
     }
 }

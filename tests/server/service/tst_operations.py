@@ -73,7 +73,7 @@ class Settings(InFolder):
         text = (PACKAGING / "server.conf").read_text(encoding="utf-8")
         for name in ("secret-key", "smtp-password", "google-client-secret", "yandex-client-secret", "coach-key"):
             (self.folder / name).write_text("ab" * 32 + "\n", encoding="ascii")
-        lines = re.sub(r"(?m)^# ([a-z-]+ = )", r"\1", text).replace("/etc/quorvel-server", str(self.folder))
+        lines = re.sub(r"(?m)^# ([a-z-]+ = )", r"\1", text).replace("/run/credentials/quorvel-server.service", str(self.folder))
         ended = self.run_with("--config", self.file(*lines.splitlines()), "--check-config")
         self.assertEqual((0, ""), (ended.returncode, ended.stderr))
         for on in ("database: postgresql", "mail: mail.example.org", "Google: on", "Yandex: on", "coach: on"):
@@ -90,8 +90,15 @@ class Settings(InFolder):
                               DATABASE=f"mysql://root:{SECRETS[1]}@db/quorvel", DATABASE_CONNECTIONS=1, METRICS_FROM="somewhere")
         self.assert_bad(ended, "public-url", "listen", "smtp-port", "smtp-password", "smtp-security", "log-level",
                         "trusted-proxies",
-                        "google-client-secret", "secret-key", "coach-timeout", "coach-key", "database is", "database-connections",
+                        "google-client-secret", "secret-key", "coach-timeout", "coach-key", "database: the database is neither", "database-connections",
                         "metrics-from")
+
+    def test_sessions_are_not_ended_in_a_database_that_is_not_there(self):
+        for words in (("revoke", "--all"), ("revoke", "student@example.org")):
+            ended = self.run_with(*words, DATABASE="sqlite:elsewhere.db")
+            self.assertEqual((UNAVAILABLE, ""), (ended.returncode, ended.stdout))
+            self.assertRegex(ended.stderr, r"\Aquorvel-server: there is no database at elsewhere\.db; --config ")
+        self.assertEqual([], list(self.folder.iterdir()), "a database was made")
 
     def test_settings_that_cannot_be_read_are_named_without_what_they_hold(self):
         for line, name in ((f"smtp-pasword = {SECRETS[0]}", "smtp-pasword"), (f"coach-key {SECRETS[2]}", "server.conf"),
