@@ -46,7 +46,8 @@ Item {
 
     Figure {
         y: (cell.rolled - 1) * cell.way
-        opacity: cell.rolled
+        // Qt's own renderer takes 0.99999 and 1 for the same, and would leave the digit a shade darker.
+        opacity: cell.rolled > 0.999 ? 1 : cell.rolled
         text: cell.character
     }
 
