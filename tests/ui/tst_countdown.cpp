@@ -1,4 +1,5 @@
 // The digits of the clock: what they show while they roll, when they do not, and that nothing of it stays.
+#include "retireWindow.h"
 #include "setUpInterface.h"
 #include "suite.h"
 
@@ -83,7 +84,7 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
     }
 
-    void cleanup() { m_window.reset(); }
+    void cleanup() { retireWindow(m_window); }
 
     void onlyWhatChangesRolls()
     {

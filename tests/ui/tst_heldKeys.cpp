@@ -1,4 +1,5 @@
 // Keys that are held: what presses is pressed once, what is typed into takes every repetition.
+#include "retireWindow.h"
 #include "setUpInterface.h"
 #include "suite.h"
 
@@ -65,6 +66,7 @@ private Q_SLOTS:
         m_window->requestActivate();
         QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
     }
+    void cleanup() { retireWindow(m_window); }
 
     void pressesOnce_data()
     {

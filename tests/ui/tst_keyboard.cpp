@@ -4,6 +4,7 @@
 #include "DesktopSupport.h"
 #include "ProductSection.h"
 #include "accessibleNodes.h"
+#include "retireWindow.h"
 #include "setUpInterface.h"
 #include "suite.h"
 
@@ -260,7 +261,7 @@ private Q_SLOTS:
 
     void cleanup()
     {
-        m_window.reset();
+        retireWindow(m_window);
         m_support.reset();
         m_harness.reset();
     }

@@ -3,6 +3,7 @@
 #include "ControllerHarness.h"
 #include "DesktopSupport.h"
 #include "accessibleNodes.h"
+#include "retireWindow.h"
 #include "setUpInterface.h"
 #include "suite.h"
 
@@ -107,7 +108,7 @@ private Q_SLOTS:
 
     void cleanup()
     {
-        m_window.reset();
+        retireWindow(m_window);
         m_support.reset();
         m_harness.reset();
     }
