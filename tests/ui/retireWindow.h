@@ -6,9 +6,9 @@
 
 #include <memory>
 
-/// Ends a window in such a way that its icons' textures end too. Qt's own renderer deletes the texture of a picture
-/// that has gone only with the next frame, so a last one is drawn after all that the window showed has gone; without
-/// it they leak.
+/// Ends a window in such a way that its icons' textures end too. Qt's own renderer deletes the texture of a
+/// picture that has gone only with the next frame, so a last one is drawn after all that the window showed
+/// has gone; without it they leak.
 inline void retireWindow(std::unique_ptr<QQuickView> &window)
 {
     if (!window)
