@@ -124,11 +124,18 @@ bool isCutOff(const QNetworkReply &reply, qsizetype received)
 
 } // namespace
 
-BackendCall::BackendCall(BackendRequest request, BackendClient::Done done, QObject *parent)
+BackendCall::BackendCall(BackendRequest request, std::chrono::milliseconds longest, BackendClient::Done done,
+                         QObject *parent)
     : QObject(parent)
     , m_request(std::move(request))
     , m_done(std::move(done))
 {
+    m_longest.setSingleShot(true);
+    connect(&m_longest, &QTimer::timeout, this, [this] {
+        m_tooLong = true;
+        m_reply->abort();
+    });
+    m_longest.start(longest);
     send();
 }
 
@@ -200,6 +207,8 @@ std::optional<BackendError> BackendCall::transportFailure() const
 {
     if (m_tooLarge)
         return transportError(QNetworkReply::OperationCanceledError, u"The answer is larger than 8 MiB."_s);
+    if (m_tooLong)
+        return transportError(QNetworkReply::OperationCanceledError, u"The answer took too long."_s);
     if (m_reply->error() == QNetworkReply::NoError || isOnlyTheStatus(*m_reply))
         return isCutOff(*m_reply, m_answer.size()) ? std::optional(connectionClosed()) : std::nullopt;
     if (m_request.body && m_reply->error() == QNetworkReply::UnknownNetworkError) // stopped by ReadOnce
@@ -209,6 +218,7 @@ std::optional<BackendError> BackendCall::transportFailure() const
 
 void BackendCall::give(const BackendAnswer &answer)
 {
+    m_longest.stop();
     // Once more through the event loop: whoever is told may delete the client, and the reply is still busy.
     QMetaObject::invokeMethod(
         parent(), [done = std::move(m_done), answer] { done(answer); }, Qt::QueuedConnection);

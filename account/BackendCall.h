@@ -4,6 +4,7 @@
 #include "BackendRequest.h"
 
 #include <QObject>
+#include <QTimer>
 
 class QNetworkAccessManager;
 class QNetworkReply;
@@ -12,7 +13,9 @@ class QNetworkReply;
 class BackendCall : public QObject
 {
 public:
-    BackendCall(BackendRequest request, BackendClient::Done done, QObject *parent);
+    /// Fails where it has not ended within `longest`.
+    BackendCall(BackendRequest request, std::chrono::milliseconds longest, BackendClient::Done done,
+                QObject *parent);
 
 private:
     void send();
@@ -28,6 +31,8 @@ private:
     QNetworkAccessManager *m_network = nullptr;
     QNetworkReply *m_reply = nullptr; ///< goes with m_network
     QByteArray m_answer;
+    QTimer m_longest;
     bool m_tooLarge = false;
+    bool m_tooLong = false;
     int m_redirects = 0;
 };

@@ -70,5 +70,5 @@ QByteArray NetworkBackendClient::language() const
 
 void NetworkBackendClient::start(BackendRequest request, Done done)
 {
-    new BackendCall(std::move(request), std::move(done), this);
+    new BackendCall(std::move(request), m_timeouts.whole, std::move(done), this);
 }

@@ -6,12 +6,14 @@
 
 #include <QObject>
 
-/// How long the wire may stay silent before a call fails.
+/// How long the wire may stay silent, or a call may take, before it fails.
 struct BackendTimeouts
 {
     std::chrono::milliseconds post{60'000};
     /// What Qt takes where a time-out is asked for without saying how long.
     std::chrono::milliseconds get{30'000};
+    /// For all of a call, its redirects too: an answer may come slowly, but not for ever.
+    std::chrono::milliseconds whole{300'000};
 };
 
 /// Calls the backend over HTTP. What is posted is posted once; a GET whose connection closes before an answer

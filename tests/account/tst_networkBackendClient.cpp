@@ -309,6 +309,18 @@ private Q_SLOTS:
         QVERIFY(m_stage.get(u"/drip/75"_s) == BackendAnswer(fine)); // twenty times 75 ms
     }
 
+    void anAnswerThatNeverEndsIsGivenUp()
+    {
+        const auto path = u"/drip/75"_s; // a byte at a time
+        const auto enough = std::chrono::milliseconds(patience);
+        m_stage.renew({.post = enough, .get = enough, .whole = std::chrono::milliseconds(600)});
+        for (const auto &answer : {m_stage.get(path), m_stage.post(path)}) {
+            QCOMPARE(transportCode(answer), int(QNetworkReply::OperationCanceledError));
+            QCOMPARE(std::get<BackendError>(answer).description, u"The answer took too long."_s);
+        }
+        QVERIFY2(BackendTimeouts().whole > BackendTimeouts().post, "a slow answer that comes is waited for");
+    }
+
     void aRefusedPortIsATransportFailure()
     {
         QTcpServer closed;

@@ -68,8 +68,6 @@ public:
             m_entry.tryExec = unescaped(value);
         else if (key == "StartupWMClass"_L1)
             m_entry.startupWmClass = unescaped(value);
-        else if (key == "X-SnapInstanceName"_L1)
-            m_entry.snapName = value;
         else
             takeFlag(key, value);
     }

@@ -15,7 +15,6 @@ struct DesktopEntry
     QStringList command;    ///< Exec split into words, field codes left out; empty where it cannot be split
     QString tryExec;        ///< the program whose presence means "installed"
     QString startupWmClass; ///< WM_CLASS its windows carry
-    QString snapName;       ///< X-SnapInstanceName
     bool noDisplay = false;
     bool hidden = false;           ///< the entry stands for a deleted one
     bool runsInTerminal = false;   ///< Terminal=true: its window is a terminal's

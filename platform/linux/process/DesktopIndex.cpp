@@ -1,14 +1,17 @@
 #include "DesktopIndex.h"
 
+#include "FileHandle.h"
+#include "isShortage.h"
 #include "processLog.h"
 
-#include <QDateTime>
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
+#include <ctime>
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -21,15 +24,17 @@ namespace {
 
 constexpr auto lookInterval = 10s;
 constexpr qsizetype largestEntry = 256 * 1024; // real ones are below 50 KiB
-constexpr qsizetype mostEntries = 10'000;
+constexpr int mostNames = 10'000;              // in one data folder
 constexpr int deepestFolder = 8;
+constexpr qsizetype mostArguments = 64; // each is compared with all of a process
 
 // A folder that changed this shortly before it was read may change again within the same tick of its clock.
-constexpr qint64 doubtfulAge = 2'000'000'000;
+constexpr time_t doubtfulSeconds = 2;
 
 struct FolderState
 {
-    qint64 changed = 0; ///< modification time in ns; 0 for a missing folder
+    DesktopIndex::FolderDate changed; ///< none for a missing folder
+    bool recent = false;              ///< changed at this moment
     std::pair<quint64, quint64> identity;
 };
 
@@ -38,25 +43,58 @@ FolderState stateOf(const QString &folder)
     struct stat status;
     if (stat(QFile::encodeName(folder).constData(), &status) != 0)
         return {};
-    return {qint64(status.st_mtim.tv_sec) * 1'000'000'000 + status.st_mtim.tv_nsec,
+    const auto seconds =
+        status.st_mtim.tv_sec; // any at all: systems differ in how they date what they install
+    const auto now = time(nullptr);
+    return {std::pair(qint64(seconds), qint64(status.st_mtim.tv_nsec)),
+            seconds >= now - doubtfulSeconds && seconds <= now + doubtfulSeconds,
             {status.st_dev, status.st_ino}};
 }
 
-/// The first bytes of a plain file, or none: a pipe or a device under that name must not hold us up.
-QByteArray boundedFile(const QString &path)
+struct CloseFolder
 {
-    const int file = open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (file < 0)
-        return {};
-    QByteArray bytes;
-    struct stat status;
-    if (fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0) {
-        bytes.resize(qMin(qsizetype(status.st_size), largestEntry));
-        const auto got = read(file, bytes.data(), size_t(bytes.size()));
-        bytes.resize(qMax(qsizetype(got), qsizetype(0)));
+    void operator()(DIR *folder) const { closedir(folder); }
+};
+
+} // namespace
+
+/// One reading of a data folder's entries: what is left of its limit, and what it could not read.
+struct DesktopIndex::Reading
+{
+    int namesLeft = mostNames;
+    int unreadable = 0;
+    bool again = false; ///< something may be readable in a moment; the system was short of files
+
+    void note(int error)
+    {
+        ++unreadable;
+        again = again || isShortage(error);
     }
-    close(file);
-    return bytes;
+};
+
+namespace {
+
+struct BoundedFile
+{
+    QByteArray bytes; ///< the first of a plain file; none of a pipe or a device, which must not hold us up
+    int error = 0;    ///< of the system, where it could not be read
+};
+
+BoundedFile boundedFile(const QString &path)
+{
+    const FileHandle file(
+        open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    if (!file)
+        return {{}, errno};
+    struct stat status;
+    if (fstat(file.descriptor(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size <= 0)
+        return {};
+    QByteArray bytes(qMin(qsizetype(status.st_size), largestEntry), Qt::Uninitialized);
+    const auto got = read(file.descriptor(), bytes.data(), size_t(bytes.size()));
+    if (got < 0)
+        return {{}, errno};
+    bytes.truncate(got);
+    return {bytes, 0};
 }
 
 /// How well an entry's command fits a running one; none where it is another application's of the same
@@ -162,8 +200,9 @@ DesktopEntryPointer DesktopIndex::byLooseName(const QString &name) const
 
 bool DesktopIndex::foldersChanged() const
 {
-    return std::any_of(m_folders.begin(), m_folders.end(),
-                       [](const Folder &folder) { return folder.changed != stateOf(folder.path).changed; });
+    return std::any_of(m_folders.begin(), m_folders.end(), [](const Folder &folder) {
+        return folder.doubtful || folder.changed != stateOf(folder.path).changed;
+    });
 }
 
 void DesktopIndex::readAll()
@@ -171,37 +210,53 @@ void DesktopIndex::readAll()
     m_folders.clear();
     m_visited.clear();
     m_byId.clear();
-    for (const auto &folder : std::as_const(m_places.dataFolders))
-        readFolder(folder + "/applications"_L1, {}, 0);
+    for (const auto &folder : std::as_const(m_places.dataFolders)) {
+        Reading reading;
+        readFolder(folder + "/applications"_L1, {}, 0, reading);
+        if (reading.namesLeft < 0)
+            qCWarning(logProcess) << folder << "holds more than" << mostNames
+                                  << "names of applications: the rest is left out";
+        if (reading.unreadable > 0)
+            qCInfo(logProcess) << reading.unreadable << "names of applications in" << folder
+                               << "cannot be read" << (reading.again ? "at this moment" : "");
+        if (reading.again)
+            m_folders.back().doubtful = true; // all of them are read again
+    }
     indexEntries();
     qCDebug(logProcess) << "read" << m_byId.size() << "desktop entries";
 }
 
-void DesktopIndex::readFolder(const QString &folder, const QString &prefix, int depth)
+void DesktopIndex::readFolder(const QString &folder, const QString &prefix, int depth, Reading &reading)
 {
     const auto state = stateOf(folder);
-    const auto now = QDateTime::currentMSecsSinceEpoch() * 1'000'000;
-    const bool doubtful = state.changed != 0 && now - state.changed < doubtfulAge;
-    m_folders.push_back({folder, doubtful ? -1 : state.changed});
-    if (state.changed == 0 || !m_visited.insert(state.identity).second)
+    m_folders.push_back({folder, state.changed, state.recent});
+    if (!state.changed || !m_visited.insert(state.identity).second)
         return;
-    QDirIterator files(folder, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System);
-    while (files.hasNext() && m_byId.size() < mostEntries) {
-        files.next();
-        const auto name = files.fileName();
+    const std::unique_ptr<DIR, CloseFolder> names(opendir(QFile::encodeName(folder).constData()));
+    if (!names)
+        reading.note(errno);
+    while (const auto *found = names ? readdir(names.get()) : nullptr) {
+        const auto name = QFile::decodeName(found->d_name);
+        if (name == "."_L1 || name == ".."_L1)
+            continue;
+        if (--reading.namesLeft < 0)
+            break;
+        const QString path = folder + u'/' + name;
         if (name.endsWith(".desktop"_L1))
-            readEntry(files.filePath(), prefix + name.chopped(8));
-        else if (depth < deepestFolder && files.fileInfo().isDir())
-            readFolder(files.filePath(), prefix + name + u'-', depth + 1);
+            readEntry(path, prefix + name.chopped(8), reading);
+        else if (depth < deepestFolder && QFileInfo(path).isDir())
+            readFolder(path, prefix + name + u'-', depth + 1, reading);
     }
 }
 
-void DesktopIndex::readEntry(const QString &path, const QString &id)
+void DesktopIndex::readEntry(const QString &path, const QString &id, Reading &reading)
 {
     if (m_byId.contains(id))
         return; // a more important folder has one
-    const auto bytes = boundedFile(path);
-    auto entry = bytes.isEmpty() ? std::nullopt : parseDesktopEntry(bytes, m_locales);
+    const auto file = boundedFile(path);
+    if (file.error != 0)
+        reading.note(file.error);
+    auto entry = file.bytes.isEmpty() ? std::nullopt : parseDesktopEntry(file.bytes, m_locales);
     if (!entry)
         return;
     entry->id = id;
@@ -232,10 +287,11 @@ void DesktopIndex::indexEntries()
         // An entry that needs a terminal has no window of its own, and its program is often an interpreter.
         if (entry->runsInTerminal)
             continue;
-        const auto call = effectiveCall(entry->command);
+        auto call = effectiveCall(entry->command);
+        call.arguments = call.arguments.first(qMin(call.arguments.size(), mostArguments));
         addProgram(entry, call);
         if (entry->tryExec != entry->command.value(0))
-            addProgram(entry, {entry->tryExec, call.arguments, {}, {}, false});
+            addProgram(entry, {entry->tryExec, call.arguments, false});
     }
 }
 

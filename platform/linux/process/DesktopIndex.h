@@ -6,6 +6,7 @@
 #include <QHash>
 
 #include <chrono>
+#include <optional>
 #include <set>
 #include <utility>
 #include <vector>
@@ -25,6 +26,8 @@ struct DesktopPlaces
 class DesktopIndex
 {
 public:
+    using FolderDate = std::optional<std::pair<qint64, qint64>>; ///< of its last change, in s and ns
+
     explicit DesktopIndex(DesktopPlaces places);
 
     /// Reads the entries again where a folder of theirs has changed; looks at the folders at most each 10 s
@@ -55,15 +58,16 @@ private:
     struct Folder
     {
         QString path;
-        qint64 changed; ///< modification time in ns; 0 for a missing one, -1 for one that must be read again
-        bool operator==(const Folder &) const = default;
+        FolderDate changed; ///< none for a missing one
+        bool doubtful;      ///< must be read again whatever its date
     };
+    struct Reading;
     using Programs = QMultiHash<QString, Program>;
 
     bool foldersChanged() const;
     void readAll();
-    void readFolder(const QString &folder, const QString &prefix, int depth);
-    void readEntry(const QString &path, const QString &id);
+    void readFolder(const QString &folder, const QString &prefix, int depth, Reading &reading);
+    void readEntry(const QString &path, const QString &id, Reading &reading);
     void addProgram(const DesktopEntryPointer &entry, const ProgramCall &call);
     void indexEntries();
     QString located(const QString &program) const;

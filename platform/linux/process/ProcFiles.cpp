@@ -1,12 +1,15 @@
 #include "ProcFiles.h"
 
+#include "FileHandle.h"
 #include "displayName.h"
+#include "isShortage.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstring>
 #include <fcntl.h>
@@ -102,7 +105,10 @@ std::optional<uid_t> ProcFiles::owner(qint32 id) const
     const auto shown = ownerOfFiles(id);
     if (shown != uid_t(0))
         return shown;
-    const auto text = read(id, "status", longestSmallFile);
+    const auto status = read(id, "status", longestSmallFile);
+    if (!status)
+        return std::nullopt;
+    const auto &text = *status;
     const auto at = text.indexOf("\nUid:");
     if (at < 0)
         return shown;
@@ -115,7 +121,7 @@ std::optional<uid_t> ProcFiles::owner(qint32 id) const
 
 std::optional<ProcessState> ProcFiles::state(qint32 id) const
 {
-    return parseProcessState(read(id, "stat", 1024));
+    return parseProcessState(read(id, "stat", 1024).value_or(QByteArray()));
 }
 
 QString ProcFiles::executable(qint32 id) const
@@ -144,8 +150,14 @@ std::optional<ProcessFacts> ProcFiles::facts(qint32 id) const
     facts.state = *found;
     if (found->kernelThread || found->ended())
         return facts;
+    const auto commandLine = read(id, "cmdline", longestCommandLine);
+    const auto cgroup = read(id, "cgroup", longestSmallFile);
+    const auto flatpak = read(id, "root/.flatpak-info", longestSmallFile);
+    const auto environment = read(id, "environ", longestEnvironment);
+    if (!commandLine || !cgroup || !flatpak || !environment)
+        return std::nullopt;
     facts.executable = executable(id);
-    const auto words = read(id, "cmdline", longestCommandLine).split('\0');
+    const auto words = commandLine->split('\0');
     for (const auto &word : words)
         facts.commandLine << QString::fromLocal8Bit(word);
     while (!facts.commandLine.isEmpty() && facts.commandLine.last().isEmpty())
@@ -157,40 +169,42 @@ std::optional<ProcessFacts> ProcFiles::facts(qint32 id) const
     if (isInterpreter(baseName(facts.executable)))
         facts.call = effectiveCall(QStringList(facts.executable) + facts.commandLine.mid(1));
     else
-        facts.call = {
-            facts.executable.isEmpty() ? claimed : facts.executable, facts.commandLine.mid(1), {}, {}, false};
-    facts.cgroup = cgroupApplication(read(id, "cgroup", longestSmallFile));
-    facts.flatpakId = flatpakIdOf(read(id, "root/.flatpak-info", longestSmallFile));
-    readEnvironment(facts);
+        facts.call = {facts.executable.isEmpty() ? claimed : facts.executable, facts.commandLine.mid(1),
+                      false};
+    facts.cgroup = cgroupApplication(*cgroup);
+    facts.flatpakId = flatpakIdOf(*flatpak);
+    takeEnvironment(facts, *environment);
     return facts;
 }
 
-QByteArray ProcFiles::read(qint32 id, const char *name, qsizetype atMost) const
+std::optional<QByteArray> ProcFiles::read(qint32 id, const char *name, qsizetype atMost) const
 {
     if (!m_listing)
-        return {};
-    const int file = openat(dirfd(m_listing.get()), ProcPath(id, name).text(),
-                            O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (file < 0)
-        return {};
+        return QByteArray();
+    const FileHandle file(openat(dirfd(m_listing.get()), ProcPath(id, name).text(),
+                                 O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    if (!file)
+        return isShortage(errno) ? std::nullopt : std::optional(QByteArray());
     QByteArray bytes;
     char chunk[4096];
     while (bytes.size() < atMost) {
-        const auto got = ::read(file, chunk, size_t(qMin(qsizetype(sizeof(chunk)), atMost - bytes.size())));
+        const auto got =
+            ::read(file.descriptor(), chunk, size_t(qMin(qsizetype(sizeof(chunk)), atMost - bytes.size())));
+        if (got < 0 && isShortage(errno))
+            return std::nullopt;
         if (got <= 0)
             break;
         bytes.append(chunk, got);
     }
-    close(file);
     return bytes;
 }
 
-void ProcFiles::readEnvironment(ProcessFacts &facts) const
+void ProcFiles::takeEnvironment(ProcessFacts &facts, const QByteArray &environment)
 {
     QByteArray launchedFile;
     qint32 launchedAs = 0;
     QByteArray appFolder;
-    for (const auto &variable : read(facts.id, "environ", longestEnvironment).split('\0')) {
+    for (const auto &variable : environment.split('\0')) {
         const auto equals = variable.indexOf('=');
         if (equals < 0)
             continue;

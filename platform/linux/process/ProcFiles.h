@@ -52,7 +52,8 @@ struct ProcessFacts
     QString appImage;      ///< path of the AppImage it was unpacked from
 };
 
-/// Reads a /proc. Every answer may be missing: processes end between two looks.
+/// Reads a /proc. Every answer may be missing: processes end between two looks, and the system can be short
+/// of files or memory at this moment.
 class ProcFiles
 {
 public:
@@ -75,11 +76,15 @@ public:
 
     std::optional<ProcessState> state(qint32 id) const;
     QString executable(qint32 id) const;
+
+    /// All or nothing: what could be read in part only is read again by whoever asks.
     std::optional<ProcessFacts> facts(qint32 id) const;
 
 private:
-    QByteArray read(qint32 id, const char *name, qsizetype atMost) const;
-    void readEnvironment(ProcessFacts &facts) const;
+    /// The first bytes of a file of a process, empty where it may not be read; none where the system is short
+    /// of something.
+    std::optional<QByteArray> read(qint32 id, const char *name, qsizetype atMost) const;
+    static void takeEnvironment(ProcessFacts &facts, const QByteArray &environment);
 
     struct CloseListing
     {

@@ -152,7 +152,7 @@ void ProcessTable::takeListing(std::chrono::nanoseconds now)
             forget(number.id);
             ++old;
         }
-        slots.push_back({number, now, now, false});
+        slots.push_back({number, now, now});
         readNew(slots.back(), now);
     }
     for (; old != m_slots.end(); ++old)
@@ -164,16 +164,21 @@ void ProcessTable::takeListing(std::chrono::nanoseconds now)
 void ProcessTable::readNew(Slot &slot, std::chrono::nanoseconds now)
 {
     const auto id = slot.number.id;
-    slot.ours = m_files.owner(id) == m_user;
-    if (!slot.ours) {
+    slot.nextLook = now; // where nothing can be learnt at this moment
+    const auto owner = m_files.owner(id);
+    if (!owner)
+        return;
+    if (owner != m_user) {
         // Sessions begin as root's processes and change hands in their first moments.
         slot.nextLook = now + (now - slot.seen < youngFor ? 1s : lookEvery);
         return;
     }
+    auto facts = m_files.facts(id);
+    if (!facts)
+        return;
     // The looks at old processes are spread, so that no single second pays for all.
     slot.nextLook = now + lookEvery - std::chrono::seconds(id % 10);
-    auto facts = m_files.facts(id);
-    if (!facts || facts->state.ended() || facts->state.kernelThread)
+    if (facts->state.ended() || facts->state.kernelThread)
         return;
     if (isYoung(*facts, now))
         slot.nextLook = now;
@@ -192,11 +197,13 @@ void ProcessTable::lookAgain(Slot &slot, std::chrono::nanoseconds now)
     const auto state = m_files.state(id);
     const bool young = isYoung(known->second, now);
     // An old process that changes hands also changes the owner of its files: no need for the closer look.
-    slot.ours = (!young && m_files.ownerOfFiles(id) == m_user) || m_files.owner(id) == m_user;
+    const bool same = !young && m_files.ownerOfFiles(id) == m_user;
+    const auto owner = same ? m_user : m_files.owner(id).value_or(m_user);
     slot.nextLook = young ? now : now + lookEvery;
-    if (!slot.ours || !state || state->ended())
+    // What cannot be read has not ended: the listing tells of an end.
+    if (owner != m_user || (state && state->ended()))
         forget(id);
-    else
+    else if (state)
         takeChange(known->second, *state);
 }
 

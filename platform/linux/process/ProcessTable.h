@@ -52,7 +52,6 @@ private:
         ProcessNumber number;
         std::chrono::nanoseconds seen{};
         std::chrono::nanoseconds nextLook{};
-        bool ours = false;
     };
     struct Watched
     {

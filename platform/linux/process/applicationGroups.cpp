@@ -2,6 +2,7 @@
 
 #include "browserNames.h"
 #include "sessionParts.h"
+#include "shownName.h"
 
 #include <algorithm>
 
@@ -49,14 +50,14 @@ RunningApplication described(const DesktopEntryPointer &entry, const QString &ex
 {
     RunningApplication application;
     if (entry)
-        application.bundleIdentifier = entry->id;
+        application.bundleIdentifier = shownName(entry->id);
     if (!executable.isEmpty())
         application.bundlePath = executable;
     application.localizedName =
         supportedBrowserName(application.bundleIdentifier.value_or(QString()), executable);
     if (!application.localizedName)
-        application.localizedName =
-            firstOf({entry ? entry->name : QString(), windowClass, entry ? QString() : baseName(executable)});
+        application.localizedName = firstOf({entry ? entry->name : QString(), windowClass,
+                                             entry ? QString() : shownName(baseName(executable))});
     return application;
 }
 
@@ -193,7 +194,7 @@ private:
         const auto &draft = m_drafts[size_t(above)];
         const auto &mine = process.executable;
         const auto &theirs = draft.root->executable;
-        if (mine == theirs && !isInterpreter(baseName(mine)))
+        if (mine == theirs && !mine.isEmpty() && !isInterpreter(baseName(mine)))
             return true;
         if (!window.className.isEmpty() && window.className == draft.windowClass)
             return true;

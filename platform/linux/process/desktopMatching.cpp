@@ -36,7 +36,7 @@ DesktopEntryPointer byProgram(const ProcessFacts &process, const DesktopIndex &i
         return entry;
     if (process.appImage.isEmpty())
         return nullptr;
-    return index.byProgram({process.appImage, process.call.arguments, {}, {}, false});
+    return index.byProgram({process.appImage, process.call.arguments, false});
 }
 
 DesktopEntryPointer byName(const ProcessFacts &process, const DesktopIndex &index)

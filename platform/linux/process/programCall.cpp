@@ -2,8 +2,11 @@
 
 #include "DesktopEntry.h"
 
+#include <QHash>
 #include <QRegularExpression>
 #include <QSet>
+
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -41,18 +44,43 @@ bool isPrefix(const QString &name)
     return prefixes.contains(name);
 }
 
-/// Index of the first word from `from` on that is neither an option nor a variable's assignment.
-qsizetype firstOperand(const QStringList &words, qsizetype from)
+/// The options of a prefix that take the next word as their value: "nice -n 10 app" runs "app".
+const QSet<QString> &optionsWithValue(const QString &prefix)
+{
+    static const QHash<QString, QSet<QString>> options{
+        {u"env"_s, {u"-u"_s, u"--unset"_s, u"-C"_s, u"--chdir"_s}},
+        {u"nice"_s, {u"-n"_s, u"--adjustment"_s}},
+        {u"ionice"_s, {u"-c"_s, u"--class"_s, u"-n"_s, u"--classdata"_s}},
+        {u"stdbuf"_s, {u"-i"_s, u"--input"_s, u"-o"_s, u"--output"_s, u"-e"_s, u"--error"_s}},
+        {u"exec"_s, {u"-a"_s}},
+        {u"dbus-run-session"_s, {u"--config-file"_s, u"--dbus-daemon"_s}},
+        {u"systemd-run"_s,
+         {u"-p"_s, u"--property"_s, u"-u"_s, u"--unit"_s, u"-E"_s, u"--setenv"_s, u"--slice"_s,
+          u"--description"_s, u"--uid"_s, u"--gid"_s, u"--nice"_s, u"--working-directory"_s,
+          u"--service-type"_s}},
+        {u"systemd-inhibit"_s, {u"--what"_s, u"--who"_s, u"--why"_s, u"--mode"_s}},
+        {u"pkexec"_s, {u"--user"_s}},
+    };
+    static const QSet<QString> none;
+    const auto found = options.constFind(prefix);
+    return found == options.cend() ? none : *found;
+}
+
+/// Index of the first word from `from` on that is neither an option, the value of one, nor a variable's
+/// assignment; at most the number of words.
+qsizetype firstOperand(const QStringList &words, qsizetype from, const QSet<QString> &withValue = {})
 {
     for (; from < words.size(); ++from) {
         const auto &word = words[from];
         const auto slash = word.indexOf(u'/');
         const auto equals = word.indexOf(u'=');
         const bool assignment = equals > 0 && (slash < 0 || equals < slash);
-        if (!word.startsWith(u'-') && !assignment)
+        if (withValue.contains(word))
+            ++from;
+        else if (!word.startsWith(u'-') && !assignment)
             break;
     }
-    return from;
+    return qMin(from, words.size());
 }
 
 ProgramCall namedBy(const QString &option, const QStringList &words)
@@ -60,23 +88,14 @@ ProgramCall namedBy(const QString &option, const QStringList &words)
     const auto at = words.indexOf(option);
     if (at < 0 || at + 1 >= words.size())
         return {};
-    return {words[at + 1], words.sliced(at + 2), {}, {}, true};
+    return {words[at + 1], words.sliced(at + 2), true};
 }
 
+/// What an interpreter, the first of the words, runs.
 ProgramCall interpretedCall(const QStringList &words)
 {
-    const auto name = baseName(words[0]);
     const auto operand = firstOperand(words, 1);
     const auto options = words.first(operand);
-    if (isShell(name) && options.contains("-c"_L1)) {
-        // A simple command behind "sh -c" is that command; anything with shell syntax stays unknown.
-        static const QRegularExpression syntax(u"[;&|<>`$(){}]"_s);
-        const auto line = words.value(options.indexOf("-c"_L1) + 1);
-        if (line.contains(syntax))
-            return {};
-        auto inner = splitCommand(line);
-        return inner.isEmpty() || isShell(baseName(inner[0])) ? ProgramCall{} : effectiveCall(inner);
-    }
     if (options.contains("-c"_L1) || options.contains("-e"_L1))
         return {};
     if (options.contains("-m"_L1))
@@ -85,27 +104,57 @@ ProgramCall interpretedCall(const QStringList &words)
         return namedBy(u"-jar"_s, words);
     if (operand >= words.size())
         return {};
-    return {words[operand], words.sliced(operand + 1), {}, {}, true};
+    return {words[operand], words.sliced(operand + 1), true};
+}
+
+/// The words behind all prefixes: "env A=b nice app" is "app".
+QStringList withoutPrefixes(const QStringList &words)
+{
+    qsizetype at = 0;
+    while (at < words.size()) {
+        const auto name = baseName(words[at]);
+        if (!isPrefix(name))
+            break;
+        at = firstOperand(words, at + 1, optionsWithValue(name));
+    }
+    return words.sliced(at);
+}
+
+/// The words of a simple command behind "sh -c"; none for another call, and none that can be told where the
+/// command has a shell's syntax or runs a shell itself.
+std::optional<QStringList> shellCommand(const QStringList &words)
+{
+    const auto options = words.first(firstOperand(words, 1));
+    if (!isShell(baseName(words[0])) || !options.contains("-c"_L1))
+        return std::nullopt;
+    static const QRegularExpression syntax(u"[;&|<>`$(){}]"_s);
+    const auto line = words.value(options.indexOf("-c"_L1) + 1);
+    if (line.contains(syntax))
+        return QStringList();
+    const auto inner = splitCommand(line);
+    return inner.isEmpty() || isShell(baseName(inner[0])) ? QStringList() : inner;
 }
 
 } // namespace
 
 ProgramCall effectiveCall(const QStringList &command)
 {
-    if (command.isEmpty() || command[0].isEmpty())
+    auto words = withoutPrefixes(command);
+    while (!words.isEmpty()) {
+        const auto inner = shellCommand(words);
+        if (!inner)
+            break;
+        words = withoutPrefixes(*inner); // each is shorter than the one it stands in
+    }
+    if (words.isEmpty() || words[0].isEmpty())
         return {};
-    const auto name = baseName(command[0]);
+    const auto name = baseName(words[0]);
     if (isInterpreter(name))
-        return interpretedCall(command);
-    if (isPrefix(name))
-        return effectiveCall(command.sliced(firstOperand(command, 1)));
-    const bool runs = command.value(1) == "run"_L1;
-    const auto operand = firstOperand(command, 2);
-    if (runs && name == "flatpak"_L1)
-        return {{}, command.sliced(qMin(operand + 1, command.size())), command.value(operand), {}, false};
-    if (runs && name == "snap"_L1)
-        return {{}, command.sliced(qMin(operand + 1, command.size())), {}, command.value(operand), false};
-    return {command[0], command.sliced(1), {}, {}, false};
+        return interpretedCall(words);
+    // A store's application is known by other marks than its program.
+    if (words.value(1) == "run"_L1 && (name == "flatpak"_L1 || name == "snap"_L1))
+        return {{}, words.sliced(qMin(firstOperand(words, 2) + 1, words.size())), false};
+    return {words[0], words.sliced(1), false};
 }
 
 QString baseName(const QString &path)

@@ -6,10 +6,8 @@
 /// What a command line runs once wrappers ("env", "nice") and interpreters ("python3", "sh") are taken off.
 struct ProgramCall
 {
-    QString program; ///< path or bare name; empty where an interpreter runs nothing of its own
+    QString program; ///< path or bare name; empty where an interpreter or a store runs nothing of its own
     QStringList arguments;
-    QString flatpakId;   ///< "flatpak run" names an application, not a program
-    QString snapName;    ///< so does "snap run"
     bool script = false; ///< `program` is a file that an interpreter reads
 
     bool operator==(const ProgramCall &) const = default;

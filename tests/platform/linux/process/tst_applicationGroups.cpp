@@ -242,6 +242,36 @@ private Q_SLOTS:
         QCOMPARE(applications(), QStringList{u"40 -|plain:"_s});
         QCOMPARE(applications({{40, {}, u"plain"_s, u"Plain"_s}}), QStringList{u"40 Plain|plain:"_s});
     }
+    void namesOfFilesAreShownPlainly()
+    {
+        const auto odd = u"od\nd\x01"_s;
+        m_system->addProgram(u"bin/"_s + odd);
+        m_system->addEntry(QString(200, u'l') + u"/"_s + QString(200, u'L') + u".desktop"_s, "Exec=long\n");
+        m_system->addEntry(u"new\nline.desktop"_s, "Exec=line\n");
+        m_system->addProgram(u"bin/long"_s);
+        m_system->addProgram(u"bin/line"_s);
+        m_system->addProcess({.id = 40, .executable = m_system->path(u"bin/"_s + odd)});
+        m_system->addProcess({.id = 41, .executable = bin("long")});
+        m_system->addProcess({.id = 42, .executable = bin("line")});
+        ApplicationTable table(m_system->places());
+        table.setWindows({{40, {}, {}, {}}}, {});
+        table.refresh();
+        QCOMPARE(table.groups().size(), size_t(3));
+        QCOMPARE(table.groups()[0].application.localizedName, u"od d"_s);
+        const auto id = table.groups()[1].application.bundleIdentifier.value_or(QString());
+        QCOMPARE(id, QString(200, u'l') + u'-' + QString(55, u'L'));
+        QCOMPARE(table.groups()[2].application.bundleIdentifier, u"new line"_s);
+    }
+
+    void twoUnreadableProgramsAreNotTheSame()
+    {
+        m_system->addProcess({.id = 40, .executable = {}, .command = "one"});
+        m_system->addProcess({.id = 41, .executable = {}, .parent = 40, .command = "two"});
+        const WindowFacts one{40, {}, {}, u"One"_s};
+        const WindowFacts two{41, {}, {}, u"Two"_s};
+        QCOMPARE(applications({one, two}), (QStringList{u"40 One|-:"_s, u"41 Two|-:"_s}));
+    }
+
     void givesThePathOfTheProgram()
     {
         m_system->addProcess({.id = 40, .executable = bin("steam") + u" (deleted)"_s});

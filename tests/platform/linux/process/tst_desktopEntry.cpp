@@ -26,7 +26,6 @@ private Q_SLOTS:
         QCOMPARE(entry->command, QStringList{u"/usr/bin/steam"_s});
         QCOMPARE(entry->tryExec, u"/usr/bin/steam"_s);
         QCOMPARE(entry->startupWmClass, u"steam"_s);
-        QCOMPARE(entry->snapName, u"steam"_s);
         QVERIFY(entry->noDisplay && entry->terminalEmulator);
         QVERIFY(!entry->runsInTerminal && !entry->hidden);
     }

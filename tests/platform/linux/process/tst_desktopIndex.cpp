@@ -3,7 +3,9 @@
 #include "suite.h"
 
 #include <QDateTime>
+#include <QRegularExpression>
 
+#include <sys/inotify.h>
 #include <utime.h>
 
 using namespace Qt::StringLiterals;
@@ -17,12 +19,39 @@ QString idOf(const DesktopEntryPointer &entry)
 }
 
 /// Dates a folder back, so that the index need not doubt what it read there.
-void age(const QString &folder, int seconds)
+void age(const QString &folder, qint64 seconds)
 {
     const auto when = QDateTime::currentSecsSinceEpoch() - seconds;
     const utimbuf times{when, when};
     QCOMPARE(utime(QFile::encodeName(folder).constData(), &times), 0);
 }
+
+/// Counts the openings of files in a folder from now on.
+class Openings
+{
+public:
+    explicit Openings(const QString &folder)
+        : m_watch(inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
+    {
+        inotify_add_watch(m_watch.descriptor(), QFile::encodeName(folder).constData(), IN_OPEN);
+    }
+    int count() const
+    {
+        int openings = 0;
+        alignas(inotify_event) char events[64 * 1024];
+        for (ssize_t got = 0; (got = read(m_watch.descriptor(), events, sizeof events)) > 0;) {
+            for (const char *at = events; at < events + got;) {
+                const auto *event = reinterpret_cast<const inotify_event *>(at);
+                openings += event->len > 0 && !(event->mask & IN_ISDIR); // the folder itself has no name
+                at += sizeof(inotify_event) + event->len;
+            }
+        }
+        return openings;
+    }
+
+private:
+    FileHandle m_watch;
+};
 
 } // namespace
 
@@ -106,7 +135,7 @@ private Q_SLOTS:
         DesktopIndex index(system.places().desktop);
         index.refresh(0s);
         const auto path = program.startsWith(u'=') ? program.sliced(1) : system.path(program);
-        const ProgramCall call{path, arguments.split(u' ', Qt::SkipEmptyParts), {}, {}, false};
+        const ProgramCall call{path, arguments.split(u' ', Qt::SkipEmptyParts), false};
         QTEST(idOf(index.byProgram(call)), "id");
     }
 
@@ -134,9 +163,8 @@ private Q_SLOTS:
         system.addEntry(u"own.desktop"_s, "Exec=/opt/own/main.py\n");
         DesktopIndex index(system.places().desktop);
         index.refresh(0s);
-        QCOMPARE(idOf(index.byProgramName({u"/usr/lib/chromium/chromium"_s, {}, {}, {}, false})),
-                 u"chromium"_s);
-        QCOMPARE(idOf(index.byProgramName({u"/home/me/main.py"_s, {}, {}, {}, true})), QString());
+        QCOMPARE(idOf(index.byProgramName({u"/usr/lib/chromium/chromium"_s, {}, false})), u"chromium"_s);
+        QCOMPARE(idOf(index.byProgramName({u"/home/me/main.py"_s, {}, true})), QString());
     }
 
     void readsAgainOnlyAfterAChange()
@@ -154,6 +182,69 @@ private Q_SLOTS:
         QVERIFY(!index.byId(u"bar"_s));
         QVERIFY(index.refresh(31s));
         QVERIFY(index.byId(u"bar"_s));
+    }
+
+    void aFolderOfAnyDateIsReadOnce_data()
+    {
+        QTest::addColumn<qint64>("date"); // seconds since 1970
+        const auto now = QDateTime::currentSecsSinceEpoch();
+        QTest::newRow("tomorrow") << now + 86'400;
+        QTest::newRow("the year 4000") << qint64(64'060'588'800);
+        QTest::newRow("0, as some systems date all they install") << qint64(0);
+        QTest::newRow("before 1970") << qint64(-86'400);
+        QTest::newRow("a while ago") << now - 1000;
+    }
+    void aFolderOfAnyDateIsReadOnce()
+    {
+        QFETCH(qint64, date);
+        MadeSystem system;
+        system.addEntry(u"foo.desktop"_s, "Name=Foo\n");
+        const auto folder = system.path(u"data/applications"_s);
+        age(folder, QDateTime::currentSecsSinceEpoch() - date);
+        DesktopIndex index(system.places().desktop);
+        QVERIFY(index.refresh(0s));
+        QVERIFY(index.byId(u"foo"_s));
+        QVERIFY(!index.refresh(20s));
+        system.addEntry(u"bar.desktop"_s, "Name=Bar\n");
+        QVERIFY(index.refresh(40s));
+        QVERIFY(index.byId(u"bar"_s));
+    }
+
+    void anEntryThatCouldNotBeOpenedIsReadLater()
+    {
+        MadeSystem system;
+        system.addEntry(u"foo.desktop"_s, "Name=Foo\n");
+        age(system.path(u"data/applications"_s), 100);
+        DesktopIndex index(system.places().desktop);
+        {
+            const NoMoreFiles full;
+            index.refresh(0s);
+            QVERIFY(!index.byId(u"foo"_s));
+        }
+        QVERIFY(index.refresh(20s));
+        QVERIFY(index.byId(u"foo"_s));
+        QVERIFY(!index.refresh(40s));
+    }
+
+    void aFolderIsLookedAtToItsLimit()
+    {
+        MadeSystem hostile;
+        MadeSystem system;
+        hostile.write(u"data/applications/0.desktop"_s, "[Desktop Entry]\nType=Link\nURL=x\n");
+        const auto first = QFile::encodeName(hostile.path(u"data/applications/0.desktop"_s));
+        for (int number = 1; number < 11'000; ++number) {
+            const auto name = hostile.path(u"data/applications/%1.desktop"_s.arg(number));
+            QCOMPARE(link(first.constData(), QFile::encodeName(name).constData()), 0);
+        }
+        system.addEntry(u"good.desktop"_s, "Name=Good\n");
+        auto places = system.places().desktop;
+        places.dataFolders.prepend(hostile.path(u"data"_s));
+        DesktopIndex index(places);
+        const Openings openings(hostile.path(u"data/applications"_s));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"more than 10000 names"_s));
+        index.refresh(0s);
+        QCOMPARE(openings.count(), 10'000);
+        QVERIFY2(index.byId(u"good"_s), "the next folder has a limit of its own");
     }
 
     void endsWithHostileFolders()

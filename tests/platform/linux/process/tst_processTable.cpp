@@ -134,6 +134,55 @@ private Q_SLOTS:
         ofAnother.refresh(1000s);
         QCOMPARE(ofAnother.processes().size(), size_t(0));
     }
+    void forgetsNobodyWhileNoFileCanBeOpened()
+    {
+        MadeSystem system;
+        system.addProcess({.id = 40, .executable = u"/bin/old"_s});
+        system.addProcess({.id = 41, .executable = u"/bin/ending"_s});
+        ProcessTable table(system.path(u"proc"_s), geteuid());
+        table.refresh(1000s);
+        const auto revision = table.revision();
+        system.addProcess({.id = 42, .executable = u"/bin/new"_s, .arguments = {u"x"_s}});
+        {
+            const NoMoreFiles full;
+            table.refresh(1030s); // each is looked at again
+            QVERIFY(table.process(40) && table.process(41) && !table.process(42));
+            QCOMPARE(table.process(40)->executable, u"/bin/old"_s);
+            QCOMPARE(table.revision(), revision);
+        }
+        system.removeProcess(41);
+        table.refresh(1031s);
+        QVERIFY(table.process(40) && !table.process(41));
+        QVERIFY2(table.process(42), "read as soon as that can be done");
+        QCOMPARE(table.process(42)->commandLine, (QStringList{u"/bin/new"_s, u"x"_s}));
+    }
+    void aWeekAsleepChangesNothing()
+    {
+        MadeSystem system;
+        system.addProcess({.id = 40, .executable = u"/bin/one"_s});
+        system.addProcess({.id = 41, .executable = u"/bin/two"_s});
+        ProcessTable table(system.path(u"proc"_s), geteuid());
+        table.refresh(1000s);
+        system.removeProcess(41);
+        system.addProcess({.id = 42, .executable = u"/bin/three"_s});
+        table.refresh(1000s + std::chrono::weeks(1));
+        QVERIFY(table.process(40) && !table.process(41) && table.process(42));
+        QCOMPARE(table.process(40)->executable, u"/bin/one"_s);
+    }
+    void anUnreadableStateIsNoEnd()
+    {
+        MadeSystem system;
+        system.addProcess({.id = 40, .executable = u"/bin/one"_s});
+        ProcessTable table(system.path(u"proc"_s), geteuid());
+        table.refresh(1000s);
+        system.write(u"proc/40/stat"_s, "rubbish");
+        table.refresh(1030s);
+        QVERIFY(table.process(40));
+        system.addProcess({.id = 40, .executable = u"/bin/one"_s, .state = 'Z'});
+        table.refresh(1060s);
+        QVERIFY(!table.process(40));
+    }
+
     void endsWithoutProc()
     {
         ProcessTable table(u"/nowhere"_s, geteuid());

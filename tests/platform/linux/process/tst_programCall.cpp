@@ -1,3 +1,4 @@
+#include "DesktopEntry.h"
 #include "programCall.h"
 #include "suite.h"
 
@@ -27,6 +28,20 @@ private Q_SLOTS:
                                   << u"/usr/lib/foo/app.asar"_s << QString();
         QTest::newRow("env and interpreter")
             << u"env A=1 perl /opt/tool.pl"_s << u"/opt/tool.pl"_s << QString();
+        QTest::newRow("a variable taken away") << u"env -u X -C /tmp app -u"_s << u"app"_s << u"-u"_s;
+        QTest::newRow("the same in one word") << u"env -uX --unset=Y app"_s << u"app"_s << QString();
+        QTest::newRow("end of the options") << u"env -- app -n"_s << u"app"_s << u"-n"_s;
+        QTest::newRow("priority") << u"nice -n 10 app"_s << u"app"_s << QString();
+        QTest::newRow("priority in one word") << u"nice -10 app"_s << u"app"_s << QString();
+        QTest::newRow("disk priority") << u"ionice -c 2 -n 7 app x"_s << u"app"_s << u"x"_s;
+        QTest::newRow("buffering") << u"stdbuf -o L -e0 app"_s << u"app"_s << QString();
+        QTest::newRow("a unit's properties")
+            << u"systemd-run --user -p Nice=5 --slice app.slice app"_s << u"app"_s << QString();
+        QTest::newRow("a reason") << u"systemd-inhibit --what idle --why x app"_s << u"app"_s << QString();
+        QTest::newRow("another's option") << u"setsid -n app"_s << u"app"_s << QString();
+        QTest::newRow("wrapper in wrapper")
+            << u"env A=b nice -n 5 ionice -c2 env -u C app"_s << u"app"_s << QString();
+        QTest::newRow("a value that is missing") << u"env -u"_s << QString() << QString();
     }
     void programs()
     {
@@ -43,14 +58,44 @@ private Q_SLOTS:
         QCOMPARE(effectiveCall({u"sh"_s, u"-c"_s, u"a && b"_s}).program, QString());
     }
 
-    void storesNameApplications()
+    void tensOfThousandsOfWrappersAreNoTrouble_data()
+    {
+        QTest::addColumn<QStringList>("wrapper");
+        QTest::newRow("plain") << QStringList{u"env"_s};
+        QTest::newRow("with a variable") << QStringList{u"env"_s, u"A=b"_s};
+        QTest::newRow("with an option's value") << QStringList{u"nice"_s, u"-n"_s, u"1"_s};
+    }
+    void tensOfThousandsOfWrappersAreNoTrouble()
+    {
+        QFETCH(QStringList, wrapper);
+        QStringList command;
+        for (int count = 0; count < 40'000; ++count)
+            command += wrapper;
+        QCOMPARE(effectiveCall(command), ProgramCall());
+        const auto call = effectiveCall(command + QStringList{u"app"_s, u"x"_s});
+        QCOMPARE(call.program, u"app"_s);
+        QCOMPARE(call.arguments, QStringList{u"x"_s});
+    }
+
+    void shellsInShellsEnd()
+    {
+        // Each shell's command is quoted once more, so that the line doubles with every step.
+        QString line = u"env app"_s;
+        for (int depth = 0; depth < 12; ++depth) {
+            line.replace(u'\\', u"\\\\"_s).replace(u'"', u"\\\""_s);
+            line = u"env sh -c \""_s + line + u'"';
+        }
+        QCOMPARE(effectiveCall(splitCommand(line)).program, u"app"_s);
+    }
+
+    void storesRunNoProgramOfTheirOwn()
     {
         const auto flatpak = effectiveCall({u"/usr/bin/flatpak"_s, u"run"_s, u"--branch=stable"_s,
                                             u"--command=foo"_s, u"org.foo.Bar"_s, u"@@u"_s});
-        QCOMPARE(flatpak.flatpakId, u"org.foo.Bar"_s);
         QCOMPARE(flatpak.program, QString());
-        QCOMPARE(effectiveCall({u"snap"_s, u"run"_s, u"chromium"_s}).snapName, u"chromium"_s);
-        QCOMPARE(effectiveCall({u"flatpak"_s, u"run"_s}).flatpakId, QString());
+        QCOMPARE(flatpak.arguments, QStringList{u"@@u"_s});
+        QCOMPARE(effectiveCall({u"snap"_s, u"run"_s, u"chromium"_s}).program, QString());
+        QCOMPARE(effectiveCall({u"flatpak"_s, u"run"_s}), ProgramCall());
     }
 };
 
