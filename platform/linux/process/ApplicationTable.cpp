@@ -21,12 +21,10 @@ void ApplicationTable::setWindows(std::vector<WindowFacts> windows,
     m_groupedRevision.reset();
 }
 
-void ApplicationTable::refresh()
+void ApplicationTable::refresh(std::chrono::nanoseconds now)
 {
-    const auto now = timeSinceBoot();
     m_processes.refresh(now);
-    if (m_index.refresh(now))
-        m_groupedRevision.reset();
+    takeEntries(now);
 }
 
 const std::vector<ApplicationGroup> &ApplicationTable::groups()
@@ -67,8 +65,7 @@ void ApplicationTable::noteToldAll()
 
 RunningApplication ApplicationTable::applicationOfWindow(const WindowFacts &window)
 {
-    if (m_index.refresh(timeSinceBoot()))
-        m_groupedRevision.reset();
+    takeEntries(timeSinceBoot());
     return ::applicationOfWindow(window, m_index);
 }
 
@@ -86,9 +83,19 @@ void ApplicationTable::kill(const ApplicationGroup &group)
     }
 }
 
+void ApplicationTable::takeEntries(std::chrono::nanoseconds now)
+{
+    if (!m_index.refresh(now))
+        return;
+    m_identities.clear();
+    m_groupedRevision.reset();
+}
+
 void ApplicationTable::regroup()
 {
-    m_groups = groupApplications(m_processes.processes(), m_windows, m_session, m_index, m_display);
+    m_identities.keepOnly(m_processes.processes());
+    m_groups =
+        groupApplications(m_processes.processes(), m_windows, m_session, m_index, m_identities, m_display);
     m_groupedRevision = m_processes.revision();
     m_groupOf.clear();
     std::vector<ProcessKey> watched;

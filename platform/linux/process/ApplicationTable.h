@@ -27,8 +27,8 @@ public:
     /// The windows there are, and processes that are parts of the session whatever they are called.
     void setWindows(std::vector<WindowFacts> windows, std::unordered_set<qint32> sessionProcesses);
 
-    /// Takes in all processes and desktop entries that changed.
-    void refresh();
+    /// Takes in all processes and desktop entries that changed. `now` is time since boot.
+    void refresh(std::chrono::nanoseconds now = timeSinceBoot());
 
     /// Takes in only the end of applications; cheaper.
     void noticeEnds() { m_processes.noticeEnds(); }
@@ -59,10 +59,12 @@ public:
     void kill(const ApplicationGroup &group);
 
 private:
+    void takeEntries(std::chrono::nanoseconds now);
     void regroup();
 
     ProcessTable m_processes;
     DesktopIndex m_index;
+    ProcessIdentities m_identities;
     QString m_display;
     std::vector<WindowFacts> m_windows;
     std::unordered_set<qint32> m_session;

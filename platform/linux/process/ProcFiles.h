@@ -40,6 +40,7 @@ struct ProcessState
 struct ProcessFacts
 {
     qint32 id = 0;
+    quint64 reading = 0; ///< another number for each time that a process is read
     ProcessState state;
     QString executable;      ///< absolute, links resolved; empty where it may not be read
     QStringList commandLine; ///< at most its first 4096 bytes

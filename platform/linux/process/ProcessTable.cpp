@@ -18,6 +18,7 @@ namespace {
 
 constexpr auto youngFor = 10s;
 constexpr auto lookEvery = 10s;
+constexpr auto readEvery = 30s;
 constexpr size_t mostWatched = 256; // of the 1024 open files that a program may have by default
 constexpr int endsAtOnce = 64;
 
@@ -34,6 +35,15 @@ int signalProcess(int handle, int number)
 bool sameProgram(const ProcessState &one, const ProcessState &other)
 {
     return one.startTime == other.startTime && one.command == other.command;
+}
+
+/// The next second after `now` at which it is the process's turn: the turns of all are spread over the
+/// period, so that no single second pays for all.
+std::chrono::nanoseconds turnAfter(std::chrono::nanoseconds now, qint32 id, std::chrono::seconds period)
+{
+    const auto second = std::chrono::floor<std::chrono::seconds>(now);
+    const auto past = (second - std::chrono::seconds(id % period.count())) % period;
+    return second + period - past;
 }
 
 } // namespace
@@ -170,19 +180,19 @@ void ProcessTable::readNew(Slot &slot, std::chrono::nanoseconds now)
         return;
     if (owner != m_user) {
         // Sessions begin as root's processes and change hands in their first moments.
-        slot.nextLook = now + (now - slot.seen < youngFor ? 1s : lookEvery);
+        slot.nextLook = now - slot.seen < youngFor ? now + 1s : turnAfter(now, id, readEvery);
         return;
     }
-    auto facts = m_files.facts(id);
-    if (!facts)
+    auto read = facts(id);
+    if (!read)
         return;
-    // The looks at old processes are spread, so that no single second pays for all.
-    slot.nextLook = now + lookEvery - std::chrono::seconds(id % 10);
-    if (facts->state.ended() || facts->state.kernelThread)
+    slot.nextLook = turnAfter(now, id, lookEvery);
+    slot.nextReading = turnAfter(now, id, readEvery);
+    if (read->state.ended() || read->state.kernelThread)
         return;
-    if (isYoung(*facts, now))
-        slot.nextLook = now;
-    m_processes.insert_or_assign(id, std::move(*facts));
+    if (isYoung(*read, now))
+        slot.nextLook = slot.nextReading = now;
+    m_processes.insert_or_assign(id, std::move(*read));
     ++m_revision;
 }
 
@@ -194,32 +204,44 @@ void ProcessTable::lookAgain(Slot &slot, std::chrono::nanoseconds now)
         readNew(slot, now);
         return;
     }
-    const auto state = m_files.state(id);
     const bool young = isYoung(known->second, now);
+    slot.nextLook = young ? now : turnAfter(now, id, lookEvery);
+    const auto executable = m_files.executable(id);
+    // One that has ended but is not yet waited for has none, one that changed hands shows none.
+    if (now < slot.nextReading && !executable.isEmpty() && executable == known->second.executable)
+        return;
+    slot.nextReading = young ? now : turnAfter(now, id, readEvery);
+    const auto state = m_files.state(id);
     // An old process that changes hands also changes the owner of its files: no need for the closer look.
     const bool same = !young && m_files.ownerOfFiles(id) == m_user;
     const auto owner = same ? m_user : m_files.owner(id).value_or(m_user);
-    slot.nextLook = young ? now : now + lookEvery;
     // What cannot be read has not ended: the listing tells of an end.
     if (owner != m_user || (state && state->ended()))
         forget(id);
     else if (state)
-        takeChange(known->second, *state);
+        takeChange(known->second, *state, executable);
 }
 
-void ProcessTable::takeChange(ProcessFacts &process, const ProcessState &state)
+void ProcessTable::takeChange(ProcessFacts &process, const ProcessState &state, const QString &executable)
 {
-    const auto executable = m_files.executable(process.id);
     const bool other =
         !sameProgram(process.state, state) || (!executable.isEmpty() && executable != process.executable);
     if (other) {
-        if (auto fresh = m_files.facts(process.id))
+        if (auto fresh = facts(process.id))
             process = std::move(*fresh);
         ++m_revision;
     } else if (process.state.parent != state.parent || process.state.terminal != state.terminal) {
         process.state = state;
         ++m_revision;
     }
+}
+
+std::optional<ProcessFacts> ProcessTable::facts(qint32 id)
+{
+    auto read = m_files.facts(id);
+    if (read)
+        read->reading = ++m_readings;
+    return read;
 }
 
 void ProcessTable::forget(qint32 id)

@@ -17,8 +17,8 @@ struct ProcessKey
 };
 
 /// The living processes of one user, kept up to date at little cost: each is read when it appears, again
-/// while it is young (a young process still turns into the program it was started for), and looked over every
-/// 10 s.
+/// while it is young (a young process still turns into the program it was started for); later its executable
+/// is compared every 10 s and the rest every 30 s, a part of the processes each second.
 class ProcessTable
 {
 public:
@@ -52,6 +52,7 @@ private:
         ProcessNumber number;
         std::chrono::nanoseconds seen{};
         std::chrono::nanoseconds nextLook{};
+        std::chrono::nanoseconds nextReading{}; ///< the first look from then on reads all that can change
     };
     struct Watched
     {
@@ -61,8 +62,9 @@ private:
 
     void takeListing(std::chrono::nanoseconds now);
     void readNew(Slot &slot, std::chrono::nanoseconds now);
+    std::optional<ProcessFacts> facts(qint32 id);
     void lookAgain(Slot &slot, std::chrono::nanoseconds now);
-    void takeChange(ProcessFacts &process, const ProcessState &state);
+    void takeChange(ProcessFacts &process, const ProcessState &state, const QString &executable);
     void forget(qint32 id);
     bool isYoung(const ProcessFacts &process, std::chrono::nanoseconds now) const;
     FileHandle open(const ProcessKey &process) const;
@@ -76,6 +78,7 @@ private:
     std::unordered_map<qint32, Watched> m_watched;
     FileHandle m_ends; ///< an epoll that tells which watched process ended
     quint64 m_revision = 0;
+    quint64 m_readings = 0;
 };
 
 /// Time since boot, sleep included: the clock that start times are counted in.

@@ -1,7 +1,6 @@
 #include "applicationGroups.h"
 
 #include "browserNames.h"
-#include "sessionParts.h"
 #include "shownName.h"
 
 #include <algorithm>
@@ -66,10 +65,11 @@ class Grouping
 public:
     Grouping(const std::unordered_map<qint32, ProcessFacts> &processes,
              const std::vector<WindowFacts> &windows, const std::unordered_set<qint32> &sessionProcesses,
-             const DesktopIndex &index, const QString &display)
+             const DesktopIndex &index, ProcessIdentities &identities, const QString &display)
         : m_processes(processes)
         , m_session(sessionProcesses)
         , m_index(index)
+        , m_identities(identities)
         , m_display(display)
     {
         for (const auto &window : windows)
@@ -132,14 +132,15 @@ private:
 
     int findGroup(const ProcessFacts &process)
     {
-        if (m_session.contains(process.id) || isSessionPart(process))
+        const auto &identity = m_identities.of(process, m_index);
+        if (m_session.contains(process.id) || identity.sessionPart)
             return none;
         const auto window = m_windows.find(process.id);
         const bool hasWindow =
             window != m_windows.end() && startOf(process.state.startTime) <= window->second.seen;
         if (!hasWindow && isOfAnotherSession(process))
             return none;
-        auto match = matchProcess(process, m_index);
+        auto match = identity.match;
         if (hasWindow && window->second.match.evidence > match.evidence)
             match = window->second.match;
         const int above = groupAbove(process);
@@ -206,7 +207,7 @@ private:
 
     int groupInScope(const ProcessFacts &process)
     {
-        const auto entry = matchScope(process, m_index);
+        const auto &entry = m_identities.of(process, m_index).scope;
         if (!entry)
             return none;
         const auto known = m_groupOfScope.constFind(process.cgroup.unit);
@@ -223,7 +224,7 @@ private:
         draft.root = &process;
         draft.parent = above;
         m_drafts.push_back(std::move(draft));
-        if (entry && entry == matchScope(process, m_index))
+        if (entry && entry == m_identities.of(process, m_index).scope)
             m_groupOfScope.insert(process.cgroup.unit, number);
         return number;
     }
@@ -270,6 +271,7 @@ private:
     const std::unordered_map<qint32, ProcessFacts> &m_processes;
     const std::unordered_set<qint32> &m_session;
     const DesktopIndex &m_index;
+    ProcessIdentities &m_identities;
     const QString &m_display;
     std::unordered_map<qint32, WindowEvidence> m_windows;
     std::unordered_map<qint32, int> m_groupOf;
@@ -282,9 +284,10 @@ private:
 std::vector<ApplicationGroup> groupApplications(const std::unordered_map<qint32, ProcessFacts> &processes,
                                                 const std::vector<WindowFacts> &windows,
                                                 const std::unordered_set<qint32> &sessionProcesses,
-                                                const DesktopIndex &index, const QString &display)
+                                                const DesktopIndex &index, ProcessIdentities &identities,
+                                                const QString &display)
 {
-    return Grouping(processes, windows, sessionProcesses, index, display).groups();
+    return Grouping(processes, windows, sessionProcesses, index, identities, display).groups();
 }
 
 DesktopMatch matchWindow(const WindowFacts &window, const DesktopIndex &index)

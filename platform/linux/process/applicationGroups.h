@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ProcessIdentities.h"
 #include "ProcessTable.h"
 #include "RunningApplications.h"
 #include "desktopMatching.h"
@@ -39,7 +40,8 @@ struct ApplicationGroup
 std::vector<ApplicationGroup> groupApplications(const std::unordered_map<qint32, ProcessFacts> &processes,
                                                 const std::vector<WindowFacts> &windows,
                                                 const std::unordered_set<qint32> &sessionProcesses,
-                                                const DesktopIndex &index, const QString &display);
+                                                const DesktopIndex &index, ProcessIdentities &identities,
+                                                const QString &display);
 
 /// The entry that a window names or carries the class of.
 DesktopMatch matchWindow(const WindowFacts &window, const DesktopIndex &index);

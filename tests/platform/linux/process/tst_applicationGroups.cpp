@@ -272,6 +272,22 @@ private Q_SLOTS:
         QCOMPARE(applications({one, two}), (QStringList{u"40 One|-:"_s, u"41 Two|-:"_s}));
     }
 
+    void aRunningProgramFollowsItsEntryAndWhatItBecomes()
+    {
+        using namespace std::chrono_literals;
+        m_system->addProgram(u"bin/fresh"_s);
+        m_system->addProcess({.id = 40, .executable = bin("fresh")});
+        ApplicationTable table(m_system->places());
+        table.refresh(1000s);
+        QCOMPARE(summary(table), QStringList());
+        m_system->addEntry(u"fresh.desktop"_s, "Name=Fresh\nExec=fresh\n");
+        table.refresh(1011s);
+        QCOMPARE(summary(table), QStringList{u"40 Fresh|fresh:"_s});
+        m_system->addProcess({.id = 40, .executable = bin("steam")});
+        table.refresh(1020s); // before the entries are looked at again
+        QCOMPARE(summary(table), QStringList{u"40 Steam|steam:"_s});
+    }
+
     void givesThePathOfTheProgram()
     {
         m_system->addProcess({.id = 40, .executable = bin("steam") + u" (deleted)"_s});

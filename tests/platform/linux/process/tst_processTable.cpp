@@ -117,6 +117,25 @@ private Q_SLOTS:
         table.refresh(1041s);
         QCOMPARE(table.process(40)->executable, u"/bin/late"_s);
     }
+    void readsAllOfAnOldProcessWithinHalfAMinute()
+    {
+        MadeSystem system;
+        const auto run = [&](const QByteArray &script) {
+            for (const auto id : {40, 41, 42, 43})
+                system.addProcess({.id = id,
+                                   .executable = u"/bin/python3"_s,
+                                   .arguments = {QString::fromLatin1(script)},
+                                   .command = script});
+        };
+        run("first");
+        ProcessTable table(system.path(u"proc"_s), geteuid());
+        table.refresh(1000s);
+        run("second");
+        for (auto now = 1001s; now <= 1030s; ++now)
+            table.refresh(now);
+        for (const auto id : {40, 41, 42, 43})
+            QCOMPARE(table.process(id)->commandLine.last(), u"second"_s);
+    }
     void leavesOutWhatDoesNotRunHere()
     {
         MadeSystem system;
