@@ -293,11 +293,12 @@ Json hidden()
     real.window.hide();
     idle(500ms);
     const auto drawn = frames.drawn();
+    const auto processor = processorTime();
     for (int second = 0; second < hiddenSeconds; ++second) {
         real.tick();
         idle(50ms);
     }
-    return {{"frames", frames.drawn() - drawn}};
+    return {{"frames", frames.drawn() - drawn}, {"processor", (processorTime() - processor) / hiddenSeconds}};
 }
 
 /// The 95th of 100 frames while a list goes by, as from the change to the picture on the screen.

@@ -22,6 +22,15 @@ FocusScope {
         value: view.desktopSupport.reducedMotion
     }
 
+    Connections {
+        target: view.Window.window
+
+        function onVisibilityChanged() {
+            const visibility = view.Window.visibility;
+            AppTheme.seen = visibility !== Window.Hidden && visibility !== Window.Minimized;
+        }
+    }
+
     AppGround {
         anchors.fill: parent
     }

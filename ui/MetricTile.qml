@@ -11,8 +11,15 @@ Item {
     required property string iconName
     required property string title
     required property string value
+    property string shown ///< the value, as long as the window can be seen
 
     implicitHeight: row.implicitHeight + 28
+
+    Binding on shown {
+        when: AppTheme.seen
+        value: tile.value
+        restoreMode: Binding.RestoreNone
+    }
 
     Surface {
         radius: 14
@@ -58,7 +65,7 @@ Item {
 
             Title3Text {
                 Layout.fillWidth: true
-                text: tile.value
+                text: tile.shown
                 Accessible.description: tile.title
             }
         }

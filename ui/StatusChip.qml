@@ -11,8 +11,15 @@ Item {
     required property string iconName
     required property string title
     required property string value
+    property string shown ///< the value, as long as the window can be seen
 
     implicitHeight: row.implicitHeight + 24
+
+    Binding on shown {
+        when: AppTheme.seen
+        value: chip.value
+        restoreMode: Binding.RestoreNone
+    }
 
     Surface {
         radius: 18
@@ -48,7 +55,7 @@ Item {
             CalloutText {
                 Layout.fillWidth: true
                 font.weight: Font.DemiBold
-                text: chip.value
+                text: chip.shown
                 Accessible.description: chip.title
             }
         }

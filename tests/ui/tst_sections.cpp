@@ -383,6 +383,35 @@ private Q_SLOTS:
         QCOMPARE(controller().completedTaskCount(), 0);
     }
 
+    void whatCountsStandsStillWhileNobodySeesIt()
+    {
+        controller().startStudy();
+        std::vector<const QQuickItem *> counting;
+        for (const auto *item : m_window->rootObject()->findChildren<QQuickItem *>()) {
+            if (item->metaObject()->indexOfProperty("shown") >= 0)
+                counting.push_back(item);
+        }
+        const auto shown = [&] {
+            QVariantList values;
+            for (const auto *item : counting)
+                values.append(item->property("shown"));
+            return values;
+        };
+        const auto seen = shown();
+        QVERIFY(seen.contains(controller().property("primaryTimerText")));
+        QVERIFY(seen.contains(controller().property("sessionProgress")));
+        m_window->hide();
+        m_harness->seconds(5);
+        QCOMPARE(shown(), seen);
+        m_window->show();
+        const auto now = shown();
+        QVERIFY(now != seen);
+        QVERIFY(now.contains(controller().property("primaryTimerText")));
+        QVERIFY(now.contains(controller().property("sessionProgress")));
+        m_harness->seconds(1);
+        QVERIFY(shown() != now);
+    }
+
     void theKeyboardStaysInTheListWhenARowGoes()
     {
         addTasks(2);

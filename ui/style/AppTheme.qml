@@ -46,6 +46,8 @@ QtObject {
     readonly property int narrowContent: 760 ///< below this width tiles stand two by two
 
     property bool reducedMotion: false ///< the user has asked for less movement; the root view sets it
+    /// Whether the window can be seen; the root view sets it. What changes every second stands still while it cannot.
+    property bool seen: true
     readonly property int pressDuration: reducedMotion ? 0 : 120 ///< milliseconds
 
     /// `color` with its own opacity multiplied by `opacity`.

@@ -22,13 +22,21 @@ Item {
     Accessible.name: accessibleName
     Accessible.description: Math.round(progress * 100) + "%"
 
+    property real shown ///< the progress, as long as the window can be seen
+
+    Binding on shown {
+        when: AppTheme.seen
+        value: bar.progress
+        restoreMode: Binding.RestoreNone
+    }
+
     Surface {
         radius: height / 2
         startColor: Qt.rgba(1, 1, 1, 0.14)
     }
 
     SurfaceItem {
-        width: parent.width * bar.progress
+        width: parent.width * bar.shown
         height: parent.height
         radius: height / 2
         startColor: bar.color

@@ -17,9 +17,13 @@ Item {
 
     readonly property real digitCell: 0.682 * pixelSize
     readonly property real colonCell: 0.298 * pixelSize
-    /// Nothing rolls where nobody sees it.
-    readonly property bool rolls: counting && visible && !AppTheme.reducedMotion
+    /// Nothing rolls where nobody sees it, nor what has changed meanwhile.
+    readonly property bool rolls: counting && visible && !AppTheme.reducedMotion && awake
                                   && Window.visibility !== Window.Hidden && Window.visibility !== Window.Minimized
+    property bool awake: true
+    property string shown ///< the text, as long as the window can be seen
+
+    onTextChanged: awake = AppTheme.seen
 
     implicitWidth: row.implicitWidth
     implicitHeight: line
@@ -28,20 +32,34 @@ Item {
     Accessible.role: Accessible.StaticText
     Accessible.name: text
 
+    Binding on shown {
+        when: AppTheme.seen
+        value: figures.text
+        restoreMode: Binding.RestoreNone
+    }
+
+    Connections {
+        target: AppTheme
+
+        function onSeenChanged() {
+            figures.awake = false;
+        }
+    }
+
     Row {
         id: row
 
         height: parent.height
 
         Repeater {
-            model: figures.text.length // another length makes them anew, and nothing rolls
+            model: figures.shown.length // another length makes them anew, and nothing rolls
 
             TabularDigit {
                 required property int index
 
                 width: character === ":" ? figures.colonCell : figures.digitCell
                 height: row.height
-                character: figures.text.charAt(index)
+                character: figures.shown.charAt(index)
                 pixelSize: figures.pixelSize
                 color: figures.color
                 rolls: figures.rolls
