@@ -5,6 +5,7 @@ std::span<const L10nRow> addedTexts()
     static constexpr std::array rows{
         L10nRow{u"desktop_applications", u"Applications", u"Приложения"},
         L10nRow{u"desktop_browsers", u"Browser tabs", u"Вкладки браузера"},
+        L10nRow{u"desktop_preferences", u"Saving", u"Сохранение"},
         L10nRow{u"desktop_status_item", u"Status item", u"Значок в панели"},
         L10nRow{u"desktop_support", u"This computer", u"Этот компьютер"},
         L10nRow{u"desktop_support_subtitle", u"What Quorvel can see and do here.",

@@ -1,6 +1,7 @@
 #include "AppDelegate.h"
 
 #include "quorvelUrls.h"
+#include "sessionBus.h"
 #include "setUpInterface.h"
 #include "statusTitle.h"
 
@@ -42,6 +43,7 @@ bool AppDelegate::applicationDidFinishLaunching()
     createStatusItem();
     updateDesktopSupport();
     followMotionPreference();
+    followStatusPlace();
     showWindow();
 
     m_statusTimer.setInterval(1s);
@@ -169,7 +171,7 @@ void AppDelegate::updateDesktopSupport()
     m_desktopSupport.setBrowsers(m_adapters.browsers->availability());
     const auto coverage = m_adapters.coverage->coverage(m_adapters.applications->running());
     m_desktopSupport.setBrowserCoverage({coverage.begin(), coverage.end()});
-    m_desktopSupport.setStatusItem(statusItemAvailability());
+    m_desktopSupport.setPreferences(m_adapters.preferences->availability());
 }
 
 void AppDelegate::followMotionPreference()
@@ -181,11 +183,11 @@ void AppDelegate::followMotionPreference()
     follow();
 }
 
-Availability AppDelegate::statusItemAvailability() const
+void AppDelegate::followStatusPlace()
 {
-    if (QSystemTrayIcon::isSystemTrayAvailable())
-        return Availability::working();
-    return Availability::missing(
-        u"This desktop has no place for status items; everything is in this window."_s,
-        u"В этой системе нет места для значков состояния; всё есть в этом окне."_s);
+    m_statusPlace =
+        std::make_unique<StatusPlace>(sessionBusIfThere(), &QSystemTrayIcon::isSystemTrayAvailable);
+    const auto follow = [this] { m_desktopSupport.setStatusItem(m_statusPlace->availability()); };
+    connect(m_statusPlace.get(), &StatusPlace::changed, this, follow);
+    follow();
 }

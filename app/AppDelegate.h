@@ -2,6 +2,7 @@
 
 #include "DesktopSupport.h"
 #include "QuorvelController.h"
+#include "StatusPlace.h"
 #include "platformChoice.h"
 #include "statusIcon.h"
 
@@ -48,7 +49,7 @@ private:
     bool createWindow();
     void updateDesktopSupport();
     void followMotionPreference();
-    Availability statusItemAvailability() const;
+    void followStatusPlace();
 
     PlatformAdapters m_adapters;
     QuorvelController m_controller;
@@ -56,6 +57,7 @@ private:
     std::unique_ptr<QQuickView> m_window;
     std::unique_ptr<QMenu> m_menu;
     std::unique_ptr<QSystemTrayIcon> m_statusItem;
+    std::unique_ptr<StatusPlace> m_statusPlace;
     StatusLook m_statusLook;
     QTimer m_statusTimer;
     int m_ticksSinceSupport = 0;

@@ -1,5 +1,6 @@
 #include "SingleInstance.h"
 
+#include "fileSteps.h"
 #include "handOver.h"
 #include "socketPeer.h"
 
@@ -10,7 +11,6 @@
 #include <QTimer>
 
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <thread>
@@ -29,8 +29,13 @@ constexpr auto retryPause = 30ms;
 /// A caller that says nothing for so long is dropped.
 constexpr auto silence = 3s;
 
-/// Callers served at a time.
-constexpr int mostCallers = 16;
+Failure cannot(const QString &english, const QString &russian, const QByteArray &path, int error)
+{
+    const auto name = QFile::decodeName(path);
+    const auto reason = FileSteps::failure(error).reason;
+    return {u"Cannot %1 \"%2\": %3\n"_s.arg(english, name, reason) +
+            u"Не удаётся %1 «%2»: %3"_s.arg(russian, name, reason)};
+}
 
 } // namespace
 
@@ -59,15 +64,13 @@ Result<SingleInstance::Role> SingleInstance::claim(const QStringList &arguments)
 {
     m_lock = ::open(m_lockPath.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
     if (m_lock < 0)
-        return Failure{u"Cannot open \"%1\": %2"_s.arg(QFile::decodeName(m_lockPath),
-                                                       QString::fromLocal8Bit(strerror(errno)))};
+        return cannot(u"open"_s, u"открыть"_s, m_lockPath, errno);
     const QDeadlineTimer deadline(patience);
     do {
         if (flock(m_lock, LOCK_EX | LOCK_NB) == 0)
             return Role::First;
         if (errno != EWOULDBLOCK && errno != EINTR)
-            return Failure{u"Cannot lock \"%1\": %2"_s.arg(QFile::decodeName(m_lockPath),
-                                                           QString::fromLocal8Bit(strerror(errno)))};
+            return cannot(u"lock"_s, u"заблокировать"_s, m_lockPath, errno);
         if (handOver(m_socketPath, arguments, std::chrono::milliseconds(deadline.remainingTime())))
             return Role::HandedOver;
         std::this_thread::sleep_for(retryPause);
@@ -88,6 +91,13 @@ Result<> SingleInstance::listen()
 void SingleInstance::receive(QLocalSocket *socket)
 {
     connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+    if (m_callers == mostCallers) {
+        qCWarning(lcInstance) << "a start was turned away: there are" << mostCallers << "already";
+        socket->abort();
+        return;
+    }
+    ++m_callers;
+    connect(socket, &QLocalSocket::disconnected, this, [this] { --m_callers; });
     const auto user = peerUser(int(socket->socketDescriptor()));
     if (user != geteuid()) {
         qCWarning(lcInstance) << "a start of another user was turned away";

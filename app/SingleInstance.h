@@ -21,6 +21,9 @@ public:
     /// How long a later start waits for the first one's confirmation.
     static constexpr std::chrono::milliseconds patience{3000};
 
+    /// Callers served at a time; further ones are turned away, and try again while their patience lasts.
+    static constexpr int mostCallers = 16;
+
     enum class Role {
         First,      ///< this process goes on and calls listen()
         HandedOver, ///< the first one has confirmed; this process ends
@@ -50,4 +53,5 @@ private:
     QByteArray m_socketPath;
     QLocalServer m_server;
     int m_lock = -1;
+    int m_callers = 0;
 };

@@ -1,5 +1,6 @@
 #include "handOver.h"
 
+#include "FileHandle.h"
 #include "quorvelUrls.h"
 #include "socketPeer.h"
 
@@ -21,25 +22,6 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr qsizetype lengthBytes = 4;
-
-class Socket
-{
-public:
-    Socket()
-        : m_number(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0))
-    {}
-    ~Socket()
-    {
-        if (m_number >= 0)
-            ::close(m_number);
-    }
-    Q_DISABLE_COPY_MOVE(Socket)
-
-    int number() const { return m_number; }
-
-private:
-    int m_number;
-};
 
 bool connectTo(int socket, const QByteArray &path)
 {
@@ -118,13 +100,12 @@ bool handOver(const QByteArray &path, const QStringList &arguments, std::chrono:
 {
     const QDeadlineTimer deadline(patience);
     const auto message = writeHandOver(arguments);
-    const Socket socket;
-    if (socket.number() < 0 || !connectTo(socket.number(), path))
+    const FileHandle handle(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    const int server = handle.descriptor();
+    if (!handle || !connectTo(server, path) || peerUser(server) != geteuid())
         return false;
-    if (peerUser(socket.number()) != geteuid())
-        return false;
-    if (!sendAll(socket.number(), message, deadline) || !waitFor(socket.number(), POLLIN, deadline))
+    if (!sendAll(server, message, deadline) || !waitFor(server, POLLIN, deadline))
         return false;
     char answer = 0;
-    return recv(socket.number(), &answer, 1, 0) == 1 && answer == handOverConfirmation;
+    return recv(server, &answer, 1, 0) == 1 && answer == handOverConfirmation;
 }

@@ -21,6 +21,7 @@ class DesktopSupport : public QObject
     QUORVEL_PUBLISHED(QList<BrowserCoverage>, browserCoverage, BrowserCoverage, QList<BrowserCoverage>()) ///< each running browser, by name
     QUORVEL_PUBLISHED(QList<BrowserCoverage>, unseenBrowsers, UnseenBrowsers, QList<BrowserCoverage>())   ///< those of them that are not connected
     QUORVEL_PUBLISHED(Availability, statusItem, StatusItem, Availability())     ///< showing the status item
+    QUORVEL_PUBLISHED(Availability, preferences, Preferences, Availability())   ///< keeping counters, choices and the sign-in
     QUORVEL_PUBLISHED(bool, reducedMotion, ReducedMotion, false)                ///< the user has asked for less movement
     // clang-format on
 
@@ -42,5 +43,6 @@ public:
     void setBrowsers(const Availability &availability) { m_browsers = availability; }
     void setBrowserCoverage(const QList<BrowserCoverage> &coverage) { m_browserCoverage = coverage; }
     void setStatusItem(const Availability &availability) { m_statusItem = availability; }
+    void setPreferences(const Availability &availability) { m_preferences = availability; }
     void setReducedMotion(bool reduced) { m_reducedMotion = reduced; }
 };

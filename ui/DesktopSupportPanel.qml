@@ -44,6 +44,15 @@ Panel {
     SupportLine {
         Layout.fillWidth: true
         divided: true
+        visible: !works // that what is done stays is no news
+        label: L10n.t("desktop_preferences", panel.controller.language)
+        works: panel.desktopSupport.preferences.works
+        message: L10n.reason(panel.desktopSupport.preferences, panel.controller.language)
+    }
+
+    SupportLine {
+        Layout.fillWidth: true
+        divided: true
         visible: !panel.desktopSupport.browsers.works || browsers.count === 0
         label: L10n.t("desktop_browsers", panel.controller.language)
         works: panel.desktopSupport.browsers.works

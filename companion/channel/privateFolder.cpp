@@ -5,6 +5,7 @@
 #include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -23,21 +24,31 @@ std::string folderPath()
     return "/tmp/quorvel-" + std::to_string(geteuid());
 }
 
-std::string problemOf(const std::string &path)
+struct Problem
+{
+    std::string english, russian;
+};
+
+Problem ofTheSystem(int error)
+{
+    return {strerror(error), strerror(error)};
+}
+
+Problem problemOf(const std::string &path)
 {
     if (mkdir(path.c_str(), 0700) != 0 && errno != EEXIST)
-        return strerror(errno);
+        return ofTheSystem(errno);
     struct stat status;
     if (lstat(path.c_str(), &status) != 0)
-        return strerror(errno);
+        return ofTheSystem(errno);
     if (S_ISLNK(status.st_mode))
-        return "it is a symbolic link.";
+        return {"it is a symbolic link.", "это символическая ссылка."};
     if (!S_ISDIR(status.st_mode))
-        return "it is not a folder.";
+        return {"it is not a folder.", "это не папка."};
     if (status.st_uid != geteuid())
-        return "it belongs to another user.";
+        return {"it belongs to another user.", "она принадлежит другому пользователю."};
     if ((status.st_mode & 0077) != 0)
-        return "other users have access to it.";
+        return {"other users have access to it.", "к ней есть доступ у других пользователей."};
     return {};
 }
 
@@ -46,5 +57,6 @@ std::string problemOf(const std::string &path)
 PrivateFolder privateFolder()
 {
     const auto path = folderPath();
-    return {path, problemOf(path)};
+    auto problem = problemOf(path);
+    return {path, std::move(problem.english), std::move(problem.russian)};
 }

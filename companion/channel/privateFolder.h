@@ -2,11 +2,12 @@
 
 #include <string>
 
-/// The folder in which the running program is found, or why it cannot be used, in English.
+/// The folder in which the running program is found, or why it cannot be used.
 struct PrivateFolder
 {
-    std::string path; ///< absolute, in the file system's encoding; there also where it cannot be used
-    std::string problem;
+    std::string path;    ///< absolute, in the file system's encoding; there also where it cannot be used
+    std::string problem; ///< in English; empty where there is none
+    std::string problemInRussian; ///< the same, in UTF-8
 
     bool usable() const { return problem.empty(); }
 };

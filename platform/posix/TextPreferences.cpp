@@ -54,9 +54,10 @@ TextPreferences::~TextPreferences()
 
 Availability TextPreferences::availability() const
 {
-    for (const Step step : {Step::KeepAside, Step::Save}) {
+    for (const Step step : {Step::KeepAside, Step::Save, Step::AddToJournal}) {
         const auto failure = m_failures.find(step);
-        if (failure != m_failures.end())
+        const bool inMemoryOnly = step != Step::AddToJournal || !m_unjournaled.empty();
+        if (failure != m_failures.end() && inMemoryOnly)
             return Availability::missing(u"Preferences cannot be saved: %1."_s.arg(failure->second),
                                          u"Не удаётся сохранить настройки: %1."_s.arg(failure->second));
     }

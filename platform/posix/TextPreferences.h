@@ -45,7 +45,7 @@ public:
     ~TextPreferences() override;
     Q_DISABLE_COPY_MOVE(TextPreferences)
 
-    /// Not working while the last save has failed.
+    /// Not working while something is in memory only, because the last save has failed.
     Availability availability() const override;
     std::optional<PreferenceValue> value(const QString &key) const override;
     void setValue(const QString &key, const PreferenceValue &value, Durability durability) override;

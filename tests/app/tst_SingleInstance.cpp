@@ -1,7 +1,9 @@
 #include "InstanceFolder.h"
+#include "SingleInstance.h"
 #include "handOver.h"
 #include "patience.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QLocalSocket>
@@ -217,17 +219,22 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("kind");
         QTest::addColumn<QByteArray>("says");
-        QTest::newRow("symbolic link") << u"link"_s << QByteArray("symbolic link");
-        QTest::newRow("open to others") << u"open"_s << QByteArray("other users have access");
-        QTest::newRow("file") << u"file"_s << QByteArray("not a folder");
+        QTest::addColumn<QString>("inRussian");
+        QTest::newRow("symbolic link")
+            << u"link"_s << QByteArray("symbolic link") << u"символическая ссылка"_s;
+        QTest::newRow("open to others")
+            << u"open"_s << QByteArray("other users have access") << u"доступ у других"_s;
+        QTest::newRow("file") << u"file"_s << QByteArray("not a folder") << u"не папка"_s;
         if (geteuid() == 0)
-            QTest::newRow("another user's") << u"owner"_s << QByteArray("another user");
+            QTest::newRow("another user's")
+                << u"owner"_s << QByteArray("another user") << u"другому пользователю"_s;
     }
 
     void unsafeFolderIsRefused()
     {
         QFETCH(QString, kind);
         QFETCH(QByteArray, says);
+        QFETCH(QString, inRussian);
         const auto path = QFile::encodeName(m_runtime->filePath(u"quorvel"_s));
         if (kind == u"link") {
             QVERIFY(mkdir((path + ".real").constData(), 0700) == 0);
@@ -245,7 +252,47 @@ private Q_SLOTS:
         Start start(m_runtime->path());
         QVERIFY(start.process.waitForFinished());
         QCOMPARE(start.process.exitCode(), 2);
-        QVERIFY(start.process.readAllStandardError().contains(says));
+        const auto said = QString::fromUtf8(start.process.readAllStandardError());
+        QVERIFY2(said.contains(QString::fromUtf8(says)), qPrintable(said));
+        QVERIFY2(said.contains(inRussian), qPrintable(said));
+    }
+
+    void aLockThatCannotBeHadIsSaidInBothLanguages()
+    {
+        QVERIFY(QDir().mkpath(m_runtime->filePath(u"quorvel/lock"_s)));
+        QFile::setPermissions(m_runtime->filePath(u"quorvel"_s), QFile::Permissions(0x7700));
+        Start start(m_runtime->path());
+        QVERIFY(start.process.waitForFinished(patience));
+        QCOMPARE(start.process.exitCode(), 1);
+        const auto said = QString::fromUtf8(start.process.readAllStandardError());
+        QVERIFY2(said.startsWith(u"Cannot open \""_s), qPrintable(said));
+        QVERIFY2(said.contains(u"\nНе удаётся открыть «"_s), qPrintable(said));
+    }
+
+    void callersBeyondTheBoundAreTurnedAway()
+    {
+        Start first(m_runtime->path());
+        QCOMPARE(first.line(), u"first"_s);
+        std::vector<std::unique_ptr<QLocalSocket>> callers;
+        const auto call = [&] {
+            callers.push_back(std::make_unique<QLocalSocket>());
+            callers.back()->connectToServer(m_runtime->filePath(u"quorvel/socket"_s));
+            return callers.back()->waitForConnected(patience);
+        };
+        for (int caller = 0; caller < SingleInstance::mostCallers; ++caller)
+            QVERIFY(call());
+        QVERIFY(call()); // by the system, which lets it wait
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(callers.back()->state() == QLocalSocket::UnconnectedState ||
+                callers.back()->waitForDisconnected(patience));
+        QVERIFY2(timer.elapsed() < 2000, "at once, and not for its silence");
+        callers.pop_back();
+        QCOMPARE(callers.back()->state(), QLocalSocket::ConnectedState);
+        callers.clear(); // makes room
+        Start second(m_runtime->path());
+        QCOMPARE(second.line(), u"handed over"_s);
+        QCOMPARE(first.line(), u"again"_s);
     }
 
     void withoutRuntimeFolder()

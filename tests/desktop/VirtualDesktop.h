@@ -26,6 +26,9 @@ public:
     /// Runs a tool of the desktop to its end and gives what it printed, without the last line end.
     QString run(const QString &program, const QStringList &arguments) const;
 
+    QProcess &server() { return m_server; } ///< for a test that takes it away
+    QProcess &bus() { return m_bus; }
+
     /// What is to be seen on it, for a test that failed.
     QString report() const;
 

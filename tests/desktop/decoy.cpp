@@ -28,6 +28,7 @@ const char *const usage =
     "  --pid N          claim that process number; 0 claims none\n"
     "  --machine NAME   claim that host\n"
     "  --stubborn       ignore polite requests: WM_DELETE_WINDOW and SIGTERM\n"
+    "  --deaf           windows that do not take part in WM_DELETE_WINDOW\n"
     "  --hide           hide the window when asked to close, as programs with a tray icon do\n"
     "Writes \"ready PID\" when its windows are shown.\n";
 
@@ -41,6 +42,7 @@ struct Options
     uint16_t height = 360;
     long pid = -1; // the true one
     bool stubborn = false;
+    bool deaf = false;
     bool hide = false;
 };
 
@@ -95,6 +97,8 @@ Options read(int count, char **words)
     for (int at = 1; at < count; ++at) {
         if (strcmp(words[at], "--stubborn") == 0)
             options.stubborn = true;
+        else if (strcmp(words[at], "--deaf") == 0)
+            options.deaf = true;
         else if (strcmp(words[at], "--hide") == 0)
             options.hide = true;
         else if (at + 1 >= count || !takeValue(options, words[at], words[at + 1]))
@@ -170,7 +174,8 @@ private:
         const auto claimed = m_options.pid < 0 ? long(getpid()) : m_options.pid;
         if (claimed > 0)
             setNumber(window, atom("_NET_WM_PID"), XCB_ATOM_CARDINAL, uint32_t(claimed));
-        setNumber(window, m_protocols, XCB_ATOM_ATOM, m_delete);
+        if (!m_options.deaf)
+            setNumber(window, m_protocols, XCB_ATOM_ATOM, m_delete);
         if (!m_options.type.empty())
             setNumber(window, atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM,
                       atom("_NET_WM_WINDOW_TYPE_" + m_options.type));

@@ -3,6 +3,7 @@
 #include "VirtualDesktop.h"
 #include "desktopParts.h"
 
+#include <QDBusConnection>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -21,7 +22,9 @@ private:
 
     void startProgram(QProcess &process, const QStringList &arguments = {})
     {
-        process.setProcessEnvironment(m_desktop->environment());
+        auto environment = m_desktop->environment();
+        environment.insert(u"QT_LOGGING_RULES"_s, u"quorvel.engine.command.debug=true"_s);
+        process.setProcessEnvironment(environment);
         bindToTest(process);
         process.start(QString::fromLocal8Bit(QUORVEL_PROGRAM), arguments);
     }
@@ -157,6 +160,71 @@ private Q_SLOTS:
         m_desktop->run(u"xdotool"_s, {u"key"_s, u"ctrl+q"_s});
         QVERIFY(m_program->waitForFinished(patience));
         QCOMPARE(m_program->exitCode(), 0);
+    }
+
+    /// What a status item and its place cost the session bus: the item itself is told, nobody connects anew.
+    void theBusSeesNoNewConnectionsWhileNothingChanges()
+    {
+        const auto connections = [this] {
+            auto bus = QDBusConnection::connectToBus(m_desktop->busAddress(), u"count"_s);
+            const auto number = bus.baseService().section(u'.', -1).toInt(); // they are numbered as they come
+            QDBusConnection::disconnectFromBus(u"count"_s);
+            return number;
+        };
+        QTest::qWait(1000); // its start is over
+        const auto before = connections();
+        QTest::qWait(6000); // longer than the support is asked about
+        QCOMPARE(connections(), before + 1);
+    }
+
+    void aSessionBusThatDiesIsSurvived()
+    {
+        m_desktop->bus().kill();
+        QVERIFY(m_desktop->bus().waitForFinished(patience));
+        QTest::qWait(6000); // everything that asks the bus now and then has asked
+        QCOMPARE(m_program->state(), QProcess::Running);
+        m_program->readAllStandardError();
+        QByteArray said;
+        m_desktop->run(u"xdotool"_s, {u"key"_s, u"ctrl+l"_s});
+        TRY_VERIFY((said += m_program->readAllStandardError()).contains("lockNow"));
+        QVERIFY(windowStandsInFront());
+        m_program->terminate();
+        QVERIFY(m_program->waitForFinished(patience));
+        QCOMPARE(m_program->exitStatus(), QProcess::NormalExit);
+        QCOMPARE(m_program->exitCode(), 0);
+    }
+
+    /// Without its X server the program has nowhere to be; what was done is kept, and the next start finds
+    /// it.
+    void anXServerThatDiesTakesNothingElseWithIt()
+    {
+        m_desktop->run(u"xdotool"_s, {u"key"_s, u"ctrl+s"_s});
+        TRY_VERIFY(title().startsWith(u"QV 2"_s));
+        const auto preferences = [this] {
+            QByteArray bytes;
+            for (const auto &name : {u"preferences"_s, u"preferences.journal"_s}) {
+                QFile file(m_desktop->filePath(u"config/quorvel/"_s + name));
+                bytes += file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+            }
+            return bytes;
+        };
+        QVERIFY(preferences().contains("accessMode = \"guest\"\n"));
+        m_desktop->server().kill();
+        QVERIFY(m_program->waitForFinished(patience));
+        QCOMPARE(m_program->exitStatus(), QProcess::NormalExit);
+        QVERIFY(m_program->exitCode() != 0);
+        QVERIFY(m_program->readAllStandardError().contains("X11 connection broke"));
+        QVERIFY(preferences().contains("accessMode = \"guest\"\n"));
+        auto environment = m_desktop->environment();
+        environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
+        QProcess next;
+        next.setProcessEnvironment(environment);
+        bindToTest(next);
+        next.start(QString::fromLocal8Bit(QUORVEL_PROGRAM), {});
+        QVERIFY(!next.waitForFinished(2000)); // it has neither given up nor handed over
+        next.terminate();
+        QVERIFY(next.waitForFinished(patience));
+        QCOMPARE(next.exitCode(), 0);
     }
 
     void terminationSignalEndsPromptly()

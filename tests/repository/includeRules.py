@@ -12,7 +12,7 @@ RULES = {
     "platform/none": PORTS,
     "platform/posix": PORTS,
     "platform/linux/process": PORTS | {"platform/posix"},
-    "platform/linux/x11": PORTS | {"platform/posix", "platform/linux/process"},
+    "platform/linux/x11": PORTS | {"companion/channel", "platform/posix", "platform/linux/process"},
     "platform/linux/companion": PORTS | {"companion/channel", "platform/posix", "platform/linux/process"},
     "platform/linux/desktop": PORTS | {"platform/posix", "platform/linux/process"},
     "platform/applescript": PORTS,

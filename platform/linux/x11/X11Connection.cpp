@@ -1,12 +1,12 @@
 #include "X11Connection.h"
 
 #include "displayName.h"
+#include "socketPeer.h"
 #include "x11Log.h"
 
 #include <array>
 #include <cstring>
 #include <poll.h>
-#include <sys/socket.h>
 #include <xcb/res.h>
 #include <xcb/screensaver.h>
 #include <xcb/xcbext.h>
@@ -18,7 +18,6 @@ namespace {
 
 // A server on this machine answers within 0.1 ms; a second's heartbeat must not be held up by one that hangs.
 constexpr auto longestAnswer = 200ms;
-constexpr auto longestAnswerWhileOpening = 10s;
 
 struct AtomName
 {
@@ -42,17 +41,10 @@ constexpr std::array atomNames{
     AtomName{&X11Atoms::wmDeleteWindow, "WM_DELETE_WINDOW"},
 };
 
-qint32 peerProcess(int socket)
-{
-    ucred credentials{};
-    socklen_t size = sizeof(credentials);
-    const bool known = getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &credentials, &size) == 0;
-    return known ? qint32(credentials.pid) : 0;
-}
-
 } // namespace
 
-X11Connection::X11Connection(const QString &display)
+X11Connection::X11Connection(const QString &display, std::chrono::milliseconds longestOpening)
+    : m_longestAnswer(longestOpening)
 {
     const auto name = display.toLocal8Bit();
     m_display = displayName(name.isEmpty() ? qgetenv("DISPLAY") : name);
@@ -67,10 +59,14 @@ X11Connection::X11Connection(const QString &display)
     while (screen-- > 0 && screens.rem > 1)
         xcb_screen_next(&screens);
     m_root = screens.data->root;
-    m_serverProcess = peerProcess(xcb_get_file_descriptor(m_connection));
-    learnAtoms();
-    learnExtensions();
-    m_opening = false;
+    m_serverProcess = peerProcess(xcb_get_file_descriptor(m_connection)).value_or(0);
+    // The rest goes by what is learnt here, and it is not asked for again: better nothing than half of it.
+    const bool learnt = learnAtoms() && learnExtensions();
+    if (!learnt && !m_lost) {
+        qCWarning(logX11) << "the X server did not tell what was asked of it while opening";
+        noteLost();
+    }
+    m_longestAnswer = longestAnswer;
 }
 
 X11Connection::~X11Connection()
@@ -130,13 +126,14 @@ void *X11Connection::awaitReply(unsigned int sequence)
         return nullptr;
     }
     flush();
-    const auto until =
-        std::chrono::steady_clock::now() + (m_opening ? longestAnswerWhileOpening : longestAnswer);
+    const auto until = std::chrono::steady_clock::now() + m_longestAnswer;
     while (!m_lost) {
         void *reply = nullptr;
         xcb_generic_error_t *error = nullptr;
         if (xcb_poll_for_reply(m_connection, sequence, &reply, &error)) {
-            free(error); // windows vanish between two requests all the time
+            if (error && error->error_code == XCB_ALLOC)
+                ++m_missedAnswers; // as good as none: the server was short of memory
+            free(error);           // windows vanish between two requests all the time
             if (!reply && xcb_connection_has_error(m_connection) != 0)
                 noteLost();
             return reply;
@@ -155,34 +152,42 @@ void *X11Connection::awaitReply(unsigned int sequence)
     return nullptr;
 }
 
-void X11Connection::learnAtoms()
+bool X11Connection::learnAtoms()
 {
     std::vector<xcb_intern_atom_cookie_t> cookies;
     for (const auto &atom : atomNames)
         cookies.push_back(xcb_intern_atom(m_connection, 0, uint16_t(strlen(atom.name)), atom.name));
+    bool all = true;
     for (size_t at = 0; at < cookies.size(); ++at) {
-        if (const auto answer = reply<xcb_intern_atom_reply_t>(cookies[at].sequence))
-            m_atoms.*atomNames[at].place = answer->atom;
+        const auto answer = reply<xcb_intern_atom_reply_t>(cookies[at].sequence);
+        m_atoms.*atomNames[at].place = answer ? answer->atom : 0;
+        all = all && answer && answer->atom != 0;
     }
+    return all;
 }
 
-void X11Connection::learnExtensions()
+bool X11Connection::learnExtensions()
 {
-    const auto present = [this](xcb_extension_t *extension) {
-        const auto *data = m_lost || m_overdue ? nullptr : xcb_get_extension_data(m_connection, extension);
-        return data && data->present;
-    };
     xcb_prefetch_extension_data(m_connection, &xcb_screensaver_id);
     xcb_prefetch_extension_data(m_connection, &xcb_res_id);
+    // libxcb waits for these two without an end; they are there once a later question is answered.
+    const auto later = xcb_get_input_focus(m_connection).sequence;
+    if (!reply<xcb_get_input_focus_reply_t>(later))
+        return false;
+    const auto present = [this](xcb_extension_t *extension) {
+        const auto *data = xcb_get_extension_data(m_connection, extension);
+        return data && data->present;
+    };
     m_hasScreenSaver = present(&xcb_screensaver_id);
     if (!m_hasScreenSaver)
         qCInfo(logX11) << "the X server has no screen-saver extension: idle time is unknown";
     if (!present(&xcb_res_id))
-        return;
+        return true;
     const auto cookie = xcb_res_query_version(m_connection, 1, 2);
     const auto version = reply<xcb_res_query_version_reply_t>(cookie.sequence);
     m_hasClientIds = version && std::pair(version->server_major, version->server_minor) >=
                                     std::pair<uint16_t, uint16_t>(1, 2);
+    return version != nullptr;
 }
 
 void X11Connection::noteLost()

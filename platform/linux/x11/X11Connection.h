@@ -34,9 +34,11 @@ struct X11Atoms
 class X11Connection
 {
 public:
-    /// `display` as in DISPLAY; empty for that variable's value. Opening alone waits for the server as long
-    /// as it takes.
-    explicit X11Connection(const QString &display = {});
+    /// `display` as in DISPLAY; empty for that variable's value. Opening waits for the server's greeting as
+    /// long as it takes, and for each answer after it `longestOpening`; a server that falls silent or refuses
+    /// in between counts as gone for good, for what is learnt then is not asked for again.
+    explicit X11Connection(const QString &display = {},
+                           std::chrono::milliseconds longestOpening = std::chrono::seconds(10));
     ~X11Connection();
     X11Connection(const X11Connection &) = delete;
     X11Connection &operator=(const X11Connection &) = delete;
@@ -63,7 +65,8 @@ public:
         return XcbPointer<Reply>(static_cast<Reply *>(awaitReply(sequence)));
     }
 
-    /// Grows with every answer that did not come in time: what was learnt from such a round is incomplete.
+    /// Grows with every answer that did not come in time or for want of memory: what was learnt from such a
+    /// round is incomplete.
     quint64 missedAnswers() const { return m_missedAnswers; }
 
     /// The next event that has arrived; none where there is none. Never waits.
@@ -73,8 +76,8 @@ public:
 
 private:
     void *awaitReply(unsigned int sequence);
-    void learnAtoms();
-    void learnExtensions();
+    bool learnAtoms();      ///< whether all are known
+    bool learnExtensions(); ///< whether the server told which it has
     void noteLost();
 
     xcb_connection_t *m_connection = nullptr;
@@ -85,7 +88,7 @@ private:
     bool m_hasScreenSaver = false;
     bool m_hasClientIds = false;
     bool m_lost = true;
-    bool m_opening = true; ///< what is learnt while opening is not asked for again
+    std::chrono::milliseconds m_longestAnswer; ///< longer while opening
     quint64 m_missedAnswers = 0;
     std::optional<unsigned int> m_overdue; ///< a request whose answer the server owes us
 };

@@ -96,10 +96,8 @@ bool X11Windows::update()
     if (std::exchange(m_activeStale, false))
         readActive();
     // What was asked while the server fell silent is asked again, even if it speaks again by now.
-    if (missed != m_connection->missedAnswers()) {
-        m_windows.clear();
-        m_managerStale = m_listStale = m_activeStale = true;
-    }
+    if (missed != m_connection->missedAnswers())
+        startAnew();
     return changed;
 }
 
@@ -143,17 +141,19 @@ int X11Windows::closeWindowsOf(const std::vector<ProcessKey> &processes)
         });
         if (!theirs)
             continue;
+        if (m_manager == 0 && !window.closable) {
+            qCInfo(logX11) << "a window of" << window.facts.className << "knows no polite way to close";
+            continue;
+        }
         ++count;
         const auto &atoms = m_connection->atoms();
         if (m_manager != 0)
             sendMessage(m_connection->root(),
                         XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, id,
                         atoms.closeWindow, XCB_CURRENT_TIME, fromPager);
-        else if (window.closable)
+        else
             sendMessage(id, XCB_EVENT_MASK_NO_EVENT, id, atoms.wmProtocols, atoms.wmDeleteWindow,
                         XCB_CURRENT_TIME);
-        else
-            qCInfo(logX11) << "a window of" << window.facts.className << "knows no polite way to close";
     }
     m_connection->flush();
     return count;
@@ -174,9 +174,29 @@ void X11Windows::takeEvent(const xcb_generic_event_t &event)
     case XCB_UNMAP_NOTIFY:
         m_listStale = m_listStale || m_manager == 0;
         break;
-    default: // errors about windows that vanished, and what else comes with the subscriptions
+    case 0:
+        takeError(reinterpret_cast<const xcb_generic_error_t &>(event));
+        break;
+    default: // what else comes with the subscriptions
         break;
     }
+}
+
+/// Of a request that has no answer, such as a subscription.
+void X11Windows::takeError(const xcb_generic_error_t &error)
+{
+    if (error.error_code == XCB_WINDOW)
+        return; // windows vanish all the time
+    qCWarning(logX11) << "the X server refused request" << error.major_code << "with error"
+                      << error.error_code;
+    if (error.error_code == XCB_ALLOC) // one of the notices may never come: all is asked for anew
+        startAnew();
+}
+
+void X11Windows::startAnew()
+{
+    m_windows.clear();
+    m_managerStale = m_listStale = m_activeStale = true;
 }
 
 void X11Windows::takePropertyChange(const xcb_property_notify_event_t &change)

@@ -31,7 +31,7 @@ public:
     /// Processes that belong to the session: the X server and the window manager. 0 is not among them.
     std::unordered_set<qint32> sessionProcesses() const;
 
-    /// Asks every window of these processes to close; gives their number.
+    /// Asks every window of these processes to close that can be asked; gives the number of those.
     int closeWindowsOf(const std::vector<ProcessKey> &processes);
 
 private:
@@ -45,6 +45,8 @@ private:
     struct Questions;
 
     void takeEvent(const xcb_generic_event_t &event);
+    void takeError(const xcb_generic_error_t &error);
+    void startAnew();
     void takePropertyChange(const xcb_property_notify_event_t &change);
     void readManager();
     void readList();

@@ -108,6 +108,22 @@ class Settings(WalkTest):
         self.assertEqual(walk.window.fields(), [STUDY, BREAK, PROOFS])
         self.assertIs(records.read_preferences(walk.home)["proModeEnabled"], False)
 
+    def test_whatCannotBeSavedIsSaid(self):
+        walk = self.walker
+        self.open()
+        in_the_way = walk.home / ".config/quorvel/.preferences.new/folder"  # where a save begins
+        in_the_way.mkdir(parents=True)
+        walk.window.press("Pro mode")
+        walk.window.wait_for("Preferences cannot be saved: .+", SECONDS_TO_SHOW)
+        walk.shows("Saving")
+        walk.window.press("RUS")
+        walk.window.wait_for("Не удаётся сохранить настройки: .+", SECONDS_TO_SHOW)
+        in_the_way.rmdir()
+        in_the_way.parent.rmdir()
+        walk.window.press("ENG")
+        wait_until(lambda: "Saving" not in walk.window.texts(), SECONDS_TO_SHOW, "the line's end")
+        self.assertIs(records.read_preferences(walk.home)["proModeEnabled"], True)
+
 
 if __name__ == "__main__":
     walker.main()

@@ -70,6 +70,7 @@ private Q_SLOTS:
     void keepsAsideBeforeReplacing_data();
     void keepsAsideBeforeReplacing();
     void keepsAsideOnlyOnce();
+    void saysThatACounterIsInMemoryOnly();
     void doesNotReplaceWhatItCannotKeep();
     void replacesAFileThatCannotBeRead();
     void aFolderInItsPlaceStays();
@@ -417,6 +418,24 @@ void tst_textPreferences::keepsAsideOnlyOnce()
     preferences.setValue(u"a"_s, true, Durability::AtOnce);
     QCOMPARE(names(folder()).size(), 2);
     QCOMPARE(content(folder() + u'/' + asideName()), QByteArray("what?\n"));
+}
+
+void tst_textPreferences::saysThatACounterIsInMemoryOnly()
+{
+    FailingFileCalls calls;
+    TextPreferences preferences(folder(), calls);
+    preferences.setValue(u"a"_s, qint64(1), Durability::Soon);
+    QVERIFY(preferences.availability().works);
+    calls.failures["write"] = ENOSPC;
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"the journal .* cannot be written: \"No space"_s));
+    preferences.setValue(u"a"_s, qint64(2), Durability::Soon);
+    QCOMPARE(preferences.availability().reasonEnglish,
+             u"Preferences cannot be saved: No space left on device."_s);
+    QVERIFY(!preferences.availability().reasonRussian.isEmpty());
+    calls.failures.clear();
+    preferences.setValue(u"b"_s, qint64(3), Durability::AtOnce); // writes all of them
+    QVERIFY(preferences.availability().works);
+    QVERIFY(found(u"a"_s) == PreferenceValue(qint64(2)));
 }
 
 void tst_textPreferences::doesNotReplaceWhatItCannotKeep()

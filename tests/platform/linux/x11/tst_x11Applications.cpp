@@ -166,6 +166,15 @@ private Q_SLOTS:
         TRY_VERIFY(!m_desktop->runs(id));
     }
 
+    void aWindowThatCannotBeAskedLeavesTheSignal()
+    {
+        begin(VirtualDesktop::Manager::None);
+        const auto id = m_desktop->start(u"plain"_s, {u"--deaf"_s});
+        TRY_COMPARE(names(), QStringList{u"plain"_s});
+        m_applications->terminate(*named(u"plain"_s));
+        TRY_VERIFY(!m_desktop->runs(id));
+    }
+
     void oneThatHidesOnClosingStaysUntilForced()
     {
         begin();
