@@ -77,15 +77,6 @@ std::optional<Target> targetFrom(const std::string &url)
     return target;
 }
 
-bool isSendable(const HttpCall &call)
-{
-    return isHttpToken(call.method) &&
-           std::all_of(call.headers.begin(), call.headers.end(), [](const auto &header) {
-               return isHttpToken(header.first) &&
-                      header.second.find_first_of(std::string_view("\r\n\0", 3)) == std::string::npos;
-           });
-}
-
 /// Why it did not work, without what was asked.
 Failure failed(std::string_view step, const Target &target, const error_code &error)
 {
@@ -354,7 +345,7 @@ asio::awaitable<Result<HttpAnswer>> BeastHttpClient::send(HttpCall call)
     auto target = targetFrom(call.url);
     if (!target)
         co_return Failure{"the address to ask is none of http or https"};
-    if (!isSendable(call))
+    if (!isHttpToken(call.method) || !areSendable(call.headers))
         co_return Failure{"the request to " + target->host + " has a header that cannot be sent"};
     call.url.clear();
     Exchange exchange(std::move(call), std::move(*target));
