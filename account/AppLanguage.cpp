@@ -1,5 +1,8 @@
 #include "AppLanguage.h"
 
+#include "Preferences.h"
+#include "preferenceKeys.h"
+
 using namespace Qt::StringLiterals;
 
 QString rawValue(AppLanguage language)
@@ -14,6 +17,12 @@ std::optional<AppLanguage> appLanguageFromRawValue(QStringView raw)
     if (raw == u"ru")
         return AppLanguage::Russian;
     return std::nullopt;
+}
+
+AppLanguage storedLanguage(const Preferences &preferences)
+{
+    const auto stored = preferences.get<QString>(PreferenceKeys::language()).value_or(QString());
+    return appLanguageFromRawValue(stored).value_or(AppLanguage::English);
 }
 
 QString shortLabel(AppLanguage language)

@@ -5,6 +5,8 @@
 
 #include <optional>
 
+class Preferences;
+
 namespace AppLanguageEnum {
 Q_NAMESPACE
 /// The languages of the interface, in the order in which a picker shows them.
@@ -18,6 +20,9 @@ QString rawValue(AppLanguage language);
 
 /// The language stored as exactly `raw`; none for any other text.
 std::optional<AppLanguage> appLanguageFromRawValue(QStringView raw);
+
+/// The language that the preferences hold; English where they hold none.
+AppLanguage storedLanguage(const Preferences &preferences);
 
 /// "ENG" or "RUS": the label of a language in the picker, the same in both languages.
 QString shortLabel(AppLanguage language);

@@ -3,9 +3,9 @@
 #include "AuthCallback.h"
 
 #include "controlCharacters.h"
+#include "decodedUtf8.h"
 
 #include <QByteArray>
-#include <QStringDecoder>
 
 #include <algorithm>
 #include <cctype>
@@ -81,13 +81,8 @@ std::optional<QString> decodedValue(QStringView value)
         bytes.append(QByteArray::fromHex(digits));
         place += 2;
     }
-    // A byte order mark is a character like any other here.
-    QStringDecoder decoder(QStringDecoder::Utf8,
-                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
-    QString text = decoder(bytes);
-    if (decoder.hasError() || hasControlCharacters(text))
-        return std::nullopt;
-    return text;
+    auto text = decodedUtf8(bytes);
+    return text && !hasControlCharacters(*text) ? text : std::nullopt;
 }
 
 /// The value of the first item of that name; none where that item has no "=".

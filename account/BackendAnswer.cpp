@@ -1,24 +1,13 @@
 #include "BackendAnswer.h"
 
+#include "decodedUtf8.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QStringDecoder>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-std::optional<QString> decodedUtf8(const QByteArray &bytes)
-{
-    // Stateless: a character cut off at the end is an error, not something to be continued. The mark at the
-    // start of a text belongs to the text.
-    QStringDecoder decoder(QStringDecoder::Utf8,
-                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
-    QString text = decoder.decode(bytes);
-    if (decoder.hasError())
-        return std::nullopt;
-    return text;
-}
 
 /// Qt's parser takes only objects and arrays for a whole text, but a number or null is JSON too.
 bool isLoneValue(const QByteArray &body)

@@ -4,7 +4,6 @@
 #include "addedTexts.h"
 
 #include <QHash>
-#include <QStringList>
 
 namespace {
 
@@ -32,14 +31,4 @@ QString L10n::t(QStringView key, AppLanguage language)
         return key.toString();
     const auto text = language == AppLanguage::Russian ? row->russian : row->english;
     return (text.isEmpty() ? row->english : text).toString();
-}
-
-QStringList L10n::keys()
-{
-    QStringList all;
-    for (const auto &row : l10nTable)
-        all.append(row.key.toString());
-    for (const auto &row : addedTexts())
-        all.append(row.key.toString());
-    return all;
 }

@@ -11,7 +11,4 @@ namespace L10n {
 /// screen as its own key and is never an error.
 QString t(QStringView key, AppLanguage language);
 
-/// Every key of the table and of the texts added to it, for tests and tools.
-QStringList keys();
-
 } // namespace L10n

@@ -64,8 +64,7 @@ QByteArray NetworkBackendClient::authorization() const
 
 QByteArray NetworkBackendClient::language() const
 {
-    const auto stored = m_preferences.get<QString>(PreferenceKeys::language()).value_or(QString());
-    return rawValue(appLanguageFromRawValue(stored).value_or(AppLanguage::English)).toLatin1();
+    return rawValue(storedLanguage(m_preferences)).toLatin1();
 }
 
 void NetworkBackendClient::start(BackendRequest request, Done done)

@@ -19,24 +19,13 @@ class DesktopSupport : public QObject
     QUORVEL_PUBLISHED(Availability, idle, Idle, Availability())                 ///< knowing the idle time
     QUORVEL_PUBLISHED(Availability, browsers, Browsers, Availability())         ///< seeing and closing tabs
     QUORVEL_PUBLISHED(QList<BrowserCoverage>, browserCoverage, BrowserCoverage, QList<BrowserCoverage>()) ///< each running browser, by name
-    QUORVEL_PUBLISHED(QList<BrowserCoverage>, unseenBrowsers, UnseenBrowsers, QList<BrowserCoverage>())   ///< those of them that are not connected
     QUORVEL_PUBLISHED(Availability, statusItem, StatusItem, Availability())     ///< showing the status item
     QUORVEL_PUBLISHED(Availability, preferences, Preferences, Availability())   ///< keeping counters, choices and the sign-in
     QUORVEL_PUBLISHED(bool, reducedMotion, ReducedMotion, false)                ///< the user has asked for less movement
     // clang-format on
 
 public:
-    explicit DesktopSupport(QObject *parent = nullptr)
-        : QObject(parent)
-    {
-        m_unseenBrowsers.setBinding([this] {
-            auto browsers = m_browserCoverage.value();
-            browsers.removeIf([](const BrowserCoverage &coverage) {
-                return coverage.state == BrowserCoverage::State::Connected;
-            });
-            return browsers;
-        });
-    }
+    using QObject::QObject;
 
     void setApplications(const Availability &availability) { m_applications = availability; }
     void setIdle(const Availability &availability) { m_idle = availability; }

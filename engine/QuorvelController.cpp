@@ -1,6 +1,5 @@
 #include "QuorvelController.h"
 
-#include "BrowserScripting.h"
 #include "Clock.h"
 #include "L10n.h"
 #include "RunningApplications.h"
@@ -10,8 +9,6 @@
 #include "formatDuration.h"
 #include "preferenceKeys.h"
 #include "statusTexts.h"
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -70,7 +67,7 @@ void QuorvelController::bindDerivedFields()
     m_readinessIsShort.setBinding(
         [this, required] { return StatusTexts::lacksCards(required(), m_topicCardCount); });
 
-    m_isBlockingActive.setBinding([this] { return m_mode == Mode::Studying || m_mode == Mode::Locked; });
+    m_isBlockingActive.setBinding([this] { return StatusTexts::blocks(m_mode); });
     m_modeText.setBinding([this] { return StatusTexts::modeName(m_mode, m_language); });
     m_canStartStudy.setBinding(
         [this, required] { return StatusTexts::canStartStudy(m_mode, required(), m_topicCardCount); });

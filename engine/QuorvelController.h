@@ -316,7 +316,6 @@ private:
     void judgeActiveCard(int row, const QString &answer);
     void addQuizProof(const StudyCard &card);
     void countQuizProof(const StudyCard &card);
-    bool isOnCurrentTopic(const StudyCard &card) const;
     void noteTasksChanged();
 
     void migrateBlocklistsIfNeeded();
@@ -365,7 +364,7 @@ private:
 
     QString m_currentDayKey; ///< the day that today's counters belong to
     std::unordered_map<qint32, std::chrono::nanoseconds>
-        m_terminateFirstSeenByPID;           ///< when each was last asked
+        m_terminateFirstSeenByPID;           ///< when each was last told to quit, as the clock's elapsed()
     int m_browserTick = 0;                   ///< heartbeats since the last look at the tabs, 0 to 4
     std::optional<QUuid> m_currentSessionID; ///< there exactly while a session runs
     QSet<QUuid> m_currentSessionProofCardIDs;

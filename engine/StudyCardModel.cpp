@@ -7,32 +7,14 @@ int StudyCardModel::rowCount(const QModelIndex &parent) const
 
 QVariant StudyCardModel::data(const QModelIndex &index, int role) const
 {
-    if (!index.isValid() || index.row() >= rowCount())
+    if (!index.isValid() || index.row() >= rowCount() || role != CardRole)
         return {};
-    const auto &card = m_bank.cards()[size_t(index.row())];
-    switch (role) {
-    case CardRole:
-        return QVariant::fromValue(card);
-    case TopicRole:
-        return card.topic.value_or(QString());
-    case PromptRole:
-        return card.prompt;
-    case CorrectCountRole:
-        return card.correctCount;
-    case WrongCountRole:
-        return card.wrongCount;
-    default:
-        return {};
-    }
+    return QVariant::fromValue(m_bank.cards()[size_t(index.row())]);
 }
 
 QHash<int, QByteArray> StudyCardModel::roleNames() const
 {
-    return {{CardRole, "card"},
-            {TopicRole, "topic"},
-            {PromptRole, "prompt"},
-            {CorrectCountRole, "correctCount"},
-            {WrongCountRole, "wrongCount"}};
+    return {{CardRole, "card"}};
 }
 
 void StudyCardModel::replaceAll(std::deque<StudyCard> cards)

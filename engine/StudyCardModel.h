@@ -11,11 +11,7 @@ class StudyCardModel : public QAbstractListModel
 
 public:
     enum Role {
-        CardRole = Qt::UserRole, ///< "card": the StudyCard, to give back to a command
-        TopicRole,               ///< "topic": empty where the card has none
-        PromptRole,              ///< "prompt"
-        CorrectCountRole,        ///< "correctCount"
-        WrongCountRole,          ///< "wrongCount"
+        CardRole = Qt::UserRole, ///< "card": the StudyCard, to show and to give back to a command
     };
 
     using QAbstractListModel::QAbstractListModel;

@@ -9,24 +9,14 @@ int StudyTaskModel::rowCount(const QModelIndex &parent) const
 
 QVariant StudyTaskModel::data(const QModelIndex &index, int role) const
 {
-    if (!index.isValid() || index.row() >= rowCount())
+    if (!index.isValid() || index.row() >= rowCount() || role != TaskRole)
         return {};
-    const auto &task = m_tasks[size_t(index.row())];
-    switch (role) {
-    case TaskRole:
-        return QVariant::fromValue(task);
-    case TitleRole:
-        return task.title;
-    case IsCompletedRole:
-        return task.completedAt.has_value();
-    default:
-        return {};
-    }
+    return QVariant::fromValue(m_tasks[size_t(index.row())]);
 }
 
 QHash<int, QByteArray> StudyTaskModel::roleNames() const
 {
-    return {{TaskRole, "task"}, {TitleRole, "title"}, {IsCompletedRole, "isCompleted"}};
+    return {{TaskRole, "task"}};
 }
 
 std::optional<int> StudyTaskModel::rowOf(const QUuid &id) const

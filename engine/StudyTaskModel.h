@@ -14,9 +14,7 @@ class StudyTaskModel : public QAbstractListModel
 
 public:
     enum Role {
-        TaskRole = Qt::UserRole, ///< "task": the StudyTask, to give back to a command
-        TitleRole,               ///< "title"
-        IsCompletedRole,         ///< "isCompleted"
+        TaskRole = Qt::UserRole, ///< "task": the StudyTask, to show and to give back to a command
     };
 
     using QAbstractListModel::QAbstractListModel;

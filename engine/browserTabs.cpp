@@ -29,9 +29,10 @@ public:
         std::vector<BrowserTab> toClose;
         for (auto &tab : m_inspector.allTabs(browser)) {
             const auto host = hostOfUrl(tab.url);
-            if (!host || !m_blocked.contains(normalizeDomain(*host)))
+            const auto domain = normalizeDomain(host.value_or(QString()));
+            if (!host || !m_blocked.contains(domain))
                 continue;
-            m_closedHosts.append(*host);
+            m_closedHosts.append(domain);
             toClose.push_back(std::move(tab));
         }
         m_inspector.closeTabs(std::move(toClose), browser);
@@ -42,18 +43,15 @@ public:
     {
         if (m_closedHosts.isEmpty())
             return {};
-        QStringList hosts;
-        for (const auto &host : m_closedHosts)
-            hosts.append(normalizeDomain(host));
         return u"Closed "_s + QString::number(m_closedHosts.size()) + u" blocked browser tab"_s +
                (m_closedHosts.size() == 1 ? QString() : u"s"_s) + u": "_s +
-               removingDuplicates(hosts).mid(0, hostsNamed).join(u", "_s) + u"."_s;
+               removingDuplicates(m_closedHosts).mid(0, hostsNamed).join(u", "_s) + u"."_s;
     }
 
 private:
     const BrowserInspector &m_inspector;
     DomainSet m_blocked;
-    QStringList m_closedHosts; ///< as the addresses have them, one for each closed tab
+    QStringList m_closedHosts; ///< in their normalized form, one for each closed tab
 };
 
 } // namespace

@@ -2,7 +2,6 @@
 #include "Clock.h"
 #include "QuorvelController.h"
 #include "commandLog.h"
-#include "normalizeStudyAnswer.h"
 #include "recordTime.h"
 #include "statusTexts.h"
 
@@ -57,12 +56,6 @@ void QuorvelController::deleteStudyCard(const StudyCard &card)
 std::vector<StudyCard> QuorvelController::cardsMatchingCurrentTopic() const
 {
     return m_studyCards.bank().cardsOfTopic(m_currentStudyTopicText);
-}
-
-bool QuorvelController::isOnCurrentTopic(const StudyCard &card) const
-{
-    const auto current = normalizeStudyAnswer(m_currentStudyTopicText);
-    return current.isEmpty() || normalizeStudyAnswer(card.topic.value_or(QString())) == current;
 }
 
 void QuorvelController::noteCardsChanged()

@@ -3,12 +3,9 @@
 #include "commandLog.h"
 #include "preferenceKeys.h"
 
-using namespace Qt::StringLiterals;
-
 AppLanguage QuorvelController::loadLanguage(const Preferences &preferences)
 {
-    const auto stored = preferences.get<QString>(PreferenceKeys::language()).value_or(QString());
-    return appLanguageFromRawValue(stored).value_or(AppLanguage::English);
+    return storedLanguage(preferences);
 }
 
 void QuorvelController::setLanguage(AppLanguage language)

@@ -36,9 +36,7 @@ void QuorvelController::askNextStudyCard(bool log)
     m_quizAnswerText = QString();
     m_quizRevealedAnswer = std::nullopt;
     if (log)
-        m_quizFeedback = activeStudyCard()
-                             ? inBoth(u"Next card selected."_s, u"Следующая карточка выбрана."_s)
-                             : inBoth(u"No cards available."_s, u"Нет доступных карточек."_s);
+        m_quizFeedback = inBoth(u"Next card selected."_s, u"Следующая карточка выбрана."_s);
 }
 
 void QuorvelController::submitQuizAnswer()
@@ -103,7 +101,7 @@ void QuorvelController::addQuizProof(const StudyCard &card)
         m_quizFeedback = inBoth(u"Correct. Proofs are disabled, so the timer alone controls the break."_s,
                                 u"Верно. Пруфы выключены, отдых контролирует только таймер."_s);
         addEvent(u"Card answered correctly."_s);
-    } else if (!isOnCurrentTopic(card)) {
+    } else if (!CardBank::isOfTopic(card, m_currentStudyTopicText)) {
         m_quizFeedback = inBoth(u"Correct, but this card is not in the current study topic."_s,
                                 u"Верно, но карточка не относится к текущей теме."_s);
         addEvent(u"Card answered correctly outside current topic."_s);

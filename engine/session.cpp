@@ -1,6 +1,5 @@
 // The modes and their clocks: commands that change the mode, the second of study and of break, and the
 // opening of a break.
-#include "Clock.h"
 #include "QuorvelController.h"
 #include "checkedArithmetic.h"
 #include "commandLog.h"
@@ -106,7 +105,7 @@ void QuorvelController::updateStudyTimer()
 
 void QuorvelController::countStudySecond()
 {
-    m_studyRemaining = std::max<qint64>(m_studyRemaining - 1, 0);
+    m_studyRemaining = m_studyRemaining - 1;
     m_todayStudySeconds = checkedAdd(m_todayStudySeconds, 1, "study seconds of today");
     auto progress = userProgress();
     progress.totalFocusSeconds = checkedAdd(progress.totalFocusSeconds, 1, "total focus seconds");

@@ -36,11 +36,14 @@ QString StatusTexts::modeName(Mode mode, AppLanguage language)
     return {};
 }
 
+bool StatusTexts::blocks(Mode mode)
+{
+    return mode == Mode::Studying || mode == Mode::Locked;
+}
+
 bool StatusTexts::canStartStudy(Mode mode, qint64 required, qint64 matching)
 {
-    if (mode == Mode::Studying)
-        return false;
-    return required == 0 || matching >= required;
+    return mode != Mode::Studying && !lacksCards(required, matching);
 }
 
 bool StatusTexts::lacksCards(qint64 required, qint64 matching)
@@ -57,7 +60,7 @@ QString StatusTexts::startReadiness(Mode mode, qint64 required, qint64 matching,
     if (required == 0)
         return inLanguage(language, u"Ready. Proof is off, so the timer alone unlocks a break."_s,
                           u"Готово. Пруф выключен, отдых откроет только таймер."_s);
-    if (matching >= required)
+    if (!lacksCards(required, matching))
         return inLanguage(language,
                           u"Ready. "_s + number(matching) + u" matching card"_s + plural(matching) +
                               u" available."_s,
@@ -186,7 +189,7 @@ QString StatusTexts::unsaved(const QMap<QString, QString> &failedSaves, AppLangu
 QString StatusTexts::blockedAppSummary(Mode mode, const QStringList &blockedRunningAppNames,
                                        AppLanguage language)
 {
-    if (mode != Mode::Studying && mode != Mode::Locked)
+    if (!blocks(mode))
         return L10n::t(u"blocking_off", language);
     if (!blockedRunningAppNames.isEmpty())
         return blockedRunningAppNames.join(u", "_s);

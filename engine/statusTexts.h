@@ -12,6 +12,9 @@ using Mode = QuorvelController::Mode;
 
 QString modeName(Mode mode, AppLanguage language);
 
+/// Whether applications and tabs are closed in that mode.
+bool blocks(Mode mode);
+
 bool canStartStudy(Mode mode, qint64 required, qint64 matching);
 /// Whether a session would need more cards of the current topic than there are.
 bool lacksCards(qint64 required, qint64 matching);

@@ -17,6 +17,11 @@ constexpr qint64 taskXP = 3;
 /// Open tasks that the dashboard shows.
 constexpr qsizetype previewedTasks = 3;
 
+bool isCompleted(const StudyTask &task)
+{
+    return task.completedAt.has_value();
+}
+
 /// Titles of the first open tasks.
 QStringList openTitles(const std::deque<StudyTask> &tasks)
 {
@@ -24,7 +29,7 @@ QStringList openTitles(const std::deque<StudyTask> &tasks)
     for (const auto &task : tasks) {
         if (titles.size() == previewedTasks)
             break;
-        if (!task.completedAt)
+        if (!isCompleted(task))
             titles.append(task.title);
     }
     return titles;
@@ -40,7 +45,7 @@ void QuorvelController::bindTaskFields()
     });
     m_completedTaskCount.setBinding([this] {
         (void)m_studyTasksRevision.value();
-        return qint64(completedStudyTasks().size());
+        return qint64(std::count_if(studyTasks().begin(), studyTasks().end(), isCompleted));
     });
     m_nextOpenTaskTitles.setBinding([this] {
         (void)m_studyTasksRevision.value();
@@ -118,8 +123,7 @@ void QuorvelController::deleteStudyTask(const StudyTask &task)
 std::vector<StudyTask> QuorvelController::completedStudyTasks() const
 {
     std::vector<StudyTask> completed;
-    std::copy_if(studyTasks().begin(), studyTasks().end(), std::back_inserter(completed),
-                 [](const StudyTask &task) { return task.completedAt.has_value(); });
+    std::copy_if(studyTasks().begin(), studyTasks().end(), std::back_inserter(completed), isCompleted);
     return completed;
 }
 

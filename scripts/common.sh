@@ -95,6 +95,23 @@ build_preset() {
     cmake --build --preset "$preset" "${targets[@]}"
 }
 
+# end_unless_it_starts WHAT COMMAND...: makes a program of the source on standard input with COMMAND, which takes both file
+# names behind it, and starts it. Where that does not work (some kernels spread addresses further than GCC 12 copes with) it
+# says that nothing was run, and why, and ends the script.
+end_unless_it_starts() {
+    local what=$1 folder said
+    shift
+    folder=$(mktemp -d)
+    cat >"$folder/probe.cpp"
+    if said=$({ "$@" "$folder/probe.cpp" -o "$folder/probe" && "$folder/probe" -runs=1; } 2>&1); then
+        rm -r "$folder"
+        return
+    fi
+    rm -r "$folder"
+    say "not run: a program built with $what does not start here:" "$said"
+    exit 0
+}
+
 # privately COMMAND...: runs it where it sees no processes but its own. A Quorvel at work in a test or in the demo closes
 # every Steam and Discord that it sees: it must not see those of whoever works here. Whatever is left goes with the end.
 privately() {

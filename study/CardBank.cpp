@@ -26,6 +26,12 @@ bool CardBank::accepts(int row, const QString &answer) const
     return acceptsAnswer(expected, *known, answer);
 }
 
+bool CardBank::isOfTopic(const StudyCard &card, const QString &topic)
+{
+    const auto wanted = normalizeStudyAnswer(topic);
+    return wanted.isEmpty() || normalizeStudyAnswer(card.topic.value_or(QString())) == wanted;
+}
+
 qint64 CardBank::countOfTopic(const QString &topic) const
 {
     const auto wanted = normalizeStudyAnswer(topic);

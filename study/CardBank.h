@@ -29,6 +29,9 @@ public:
     /// Whether the card of a row accepts an answer.
     bool accepts(int row, const QString &answer) const;
 
+    /// Whether a card is of a topic.
+    static bool isOfTopic(const StudyCard &card, const QString &topic);
+
     /// The number of cards of a topic. Costs no look at the cards when the topics are known already.
     qint64 countOfTopic(const QString &topic) const;
 

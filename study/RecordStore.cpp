@@ -2,6 +2,7 @@
 
 #include "jsonCodecs.h"
 #include "recordFileNames.h"
+#include "recordTime.h"
 #include "studyLog.h"
 
 using namespace Qt::StringLiterals;
@@ -84,7 +85,7 @@ Result<> RecordStore::save(const QString &name, const QByteArray &bytes, Decode 
     if (m_notDecoded.contains(name) && isGone(name))
         m_notDecoded.remove(name);
     if (m_notDecoded.contains(name)) {
-        const auto aside = u"%1.unreadable-%2"_s.arg(name, now.toUTC().toString(u"yyyyMMdd'T'HHmmss'Z'"_s));
+        const auto aside = u"%1.unreadable-%2"_s.arg(name, fileNameTime(now));
         if (const auto kept = m_files.keepAside(name, aside); !kept.ok())
             return kept;
         qCWarning(lcStudy).noquote() << name << "could not be loaded; its old content is now" << aside;

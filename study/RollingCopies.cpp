@@ -3,8 +3,6 @@
 #include "recordTime.h"
 #include "studyLog.h"
 
-#include <algorithm>
-
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QDateTime>
-#include <QMetaType>
 #include <QString>
 #include <QStringList>
 #include <QUuid>

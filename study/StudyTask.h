@@ -13,7 +13,7 @@ struct StudyTask
     QString title;
     QDateTime createdAt;
     std::optional<QDateTime> completedAt;    ///< none: the task is open
-    std::optional<QUuid> completedSessionID; ///< session in which it was completed, where it belongs to one
+    std::optional<QUuid> completedSessionID; ///< kept as it was loaded, until the task is ticked or reopened
     std::optional<QUuid> sourceCardID;       ///< card that came together with this task
 
     bool operator==(const StudyTask &) const = default;

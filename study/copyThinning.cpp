@@ -2,6 +2,7 @@
 
 #include "recordFileNames.h"
 #include "recordText.h"
+#include "recordTime.h"
 
 #include <algorithm>
 #include <chrono>
@@ -138,7 +139,7 @@ void thinBySize(std::vector<DatedFile> &copies, sys_seconds now)
 QString rollingCopyName(const QString &recordFile, const QDateTime &time)
 {
     const auto stem = recordFile.left(recordFile.lastIndexOf(u'.'));
-    return u"%1-%2.json"_s.arg(stem, time.toUTC().toString(u"yyyyMMdd'T'HHmmss'Z'"_s));
+    return u"%1-%2.json"_s.arg(stem, fileNameTime(time));
 }
 
 std::optional<RollingCopy> readRollingCopyName(const QString &name)

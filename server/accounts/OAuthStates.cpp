@@ -13,14 +13,14 @@ OAuthStates::OAuthStates(Database &database, TimeSource now)
 boost::asio::awaitable<Result<>> OAuthStates::put(std::string state, OAuthAttempt attempt)
 {
     const auto expiry = storedTime(m_now() + lifetime);
-    auto hash = base64url(sha256(state));
+    auto hash = sha256Text(state);
     auto work = [=](DatabaseConnection &connection) {
         connection.session() << "INSERT INTO oauth_states "
                                 "(state_hash, provider, verifier, nonce, language, expires_at) "
-                                "VALUES (:hash, :provider, :verifier, :nonce, :language, :expiry)",
+                                "VALUES (:hash, :provider, :verifier, :nonce, '', :expiry)", // no longer read
             soci::use(hash, "hash"), soci::use(attempt.provider, "provider"),
             soci::use(attempt.verifier, "verifier"), soci::use(attempt.nonce, "nonce"),
-            soci::use(attempt.language, "language"), soci::use(expiry, "expiry");
+            soci::use(expiry, "expiry");
     };
     co_return co_await m_database.write(work);
 }
@@ -29,15 +29,15 @@ boost::asio::awaitable<Result<std::optional<OAuthAttempt>>> OAuthStates::take(st
                                                                               std::string provider)
 {
     const auto now = storedTime(m_now());
-    auto hash = base64url(sha256(state));
+    auto hash = sha256Text(state);
     auto work = [=](DatabaseConnection &connection) -> std::optional<OAuthAttempt> {
         auto &session = connection.session();
         OAuthAttempt attempt;
         long long expiry = 0;
         session << "DELETE FROM oauth_states WHERE state_hash = :hash "
-                   "RETURNING provider, verifier, nonce, language, expires_at",
+                   "RETURNING provider, verifier, nonce, expires_at",
             soci::use(hash, "hash"), soci::into(attempt.provider), soci::into(attempt.verifier),
-            soci::into(attempt.nonce), soci::into(attempt.language), soci::into(expiry);
+            soci::into(attempt.nonce), soci::into(expiry);
         if (!session.got_data() || expiry <= now || attempt.provider != provider)
             return std::nullopt;
         return attempt;

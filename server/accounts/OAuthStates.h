@@ -15,7 +15,6 @@ struct OAuthAttempt
     std::string provider; ///< "google" or "yandex"
     std::string verifier; ///< of PKCE
     std::string nonce;    ///< empty where the provider has none
-    std::string language; ///< "en" or "ru", of the page at the end
 
     bool operator==(const OAuthAttempt &) const = default;
 };

@@ -1,8 +1,7 @@
 #include "RateLimits.h"
 
+#include "changedRows.h"
 #include "storedTime.h"
-
-#include <soci/soci.h>
 
 namespace {
 
@@ -29,16 +28,14 @@ RateLimits::use(std::string key, int limit, std::chrono::seconds length)
     if (limit <= 0)
         co_return wait;
     auto work = [=](DatabaseConnection &connection) {
-        soci::statement statement = (connection.session().prepare
-                                         << "INSERT INTO rate_limits (name, window_length, window_end, uses) "
-                                            "VALUES (:name, :length, :end, 1) "
-                                            "ON CONFLICT (name, window_length, window_end) "
-                                            "DO UPDATE SET uses = rate_limits.uses + 1 "
-                                            "WHERE rate_limits.uses < :limit",
-                                     soci::use(key, "name"), soci::use(seconds, "length"),
-                                     soci::use(end, "end"), soci::use(limit, "limit"));
-        statement.execute(true);
-        return statement.get_affected_rows() == 1;
+        return changedRows((connection.session().prepare
+                                << "INSERT INTO rate_limits (name, window_length, window_end, uses) "
+                                   "VALUES (:name, :length, :end, 1) "
+                                   "ON CONFLICT (name, window_length, window_end) "
+                                   "DO UPDATE SET uses = rate_limits.uses + 1 "
+                                   "WHERE rate_limits.uses < :limit",
+                            soci::use(key, "name"), soci::use(seconds, "length"), soci::use(end, "end"),
+                            soci::use(limit, "limit"))) == 1;
     };
     const auto isWithin = co_await m_database.write(work);
     if (!isWithin)

@@ -1,14 +1,12 @@
 #include "Sessions.h"
 
+#include "changedRows.h"
 #include "secrets.h"
 #include "storedTime.h"
 
-#include <soci/soci.h>
 #include <spdlog/spdlog.h>
 
 namespace {
-
-constexpr std::size_t tokenLength = 43; ///< of newToken()
 
 struct FoundSession
 {
@@ -46,11 +44,6 @@ private:
     soci::statement m_statement;
 };
 
-std::string hashOf(const std::string &token)
-{
-    return base64url(sha256(token));
-}
-
 /// The account of that address, made where there is none.
 long long accountFor(soci::session &session, const std::string &email, long long now)
 {
@@ -76,7 +69,7 @@ Sessions::NewSession Sessions::prepare(const std::string &email, const std::stri
     const auto now = storedTime(m_now());
     const auto expiry = storedTime(m_now() + lifetime);
     auto token = newToken();
-    auto store = [email, provider, now, expiry, hash = hashOf(token)](DatabaseConnection &connection) {
+    auto store = [email, provider, now, expiry, hash = sha256Text(token)](DatabaseConnection &connection) {
         auto &session = connection.session();
         const auto account = accountFor(session, email, now);
         session << "INSERT INTO sessions (token_hash, account_id, provider, created_at, expires_at) "
@@ -102,7 +95,7 @@ boost::asio::awaitable<Result<std::optional<Account>>> Sessions::find(std::strin
     if (token.size() != tokenLength)
         co_return std::nullopt;
     const auto now = m_now();
-    auto hash = hashOf(token);
+    auto hash = sha256Text(token);
     auto work = [hash, now = storedTime(now)](DatabaseConnection &connection) {
         return connection.kept<FindSession>()(hash, now);
     };
@@ -132,12 +125,10 @@ boost::asio::awaitable<void> Sessions::prolong(std::string hash, long long due, 
 boost::asio::awaitable<Result<std::int64_t>> Sessions::revoke(std::string email)
 {
     auto work = [email](DatabaseConnection &connection) -> std::int64_t {
-        soci::statement statement =
+        return changedRows(
             (connection.session().prepare
                  << "DELETE FROM sessions WHERE account_id = (SELECT id FROM accounts WHERE email = :email)",
-             soci::use(email, "email"));
-        statement.execute(true);
-        return statement.get_affected_rows();
+             soci::use(email, "email")));
     };
     co_return co_await m_database.write(work);
 }
@@ -145,9 +136,7 @@ boost::asio::awaitable<Result<std::int64_t>> Sessions::revoke(std::string email)
 boost::asio::awaitable<Result<std::int64_t>> Sessions::revokeAll()
 {
     auto work = [](DatabaseConnection &connection) -> std::int64_t {
-        soci::statement statement = (connection.session().prepare << "DELETE FROM sessions");
-        statement.execute(true);
-        return statement.get_affected_rows();
+        return changedRows(connection.session().prepare << "DELETE FROM sessions");
     };
     co_return co_await m_database.write(work);
 }

@@ -1,22 +1,10 @@
 #include "SignInCodes.h"
 
+#include "changedRows.h"
 #include "secrets.h"
 #include "storedTime.h"
 
 #include <algorithm>
-#include <soci/soci.h>
-
-namespace {
-
-/// How many rows a statement has changed.
-long long changed(const soci::details::prepare_temp_type &prepared)
-{
-    soci::statement statement(prepared);
-    statement.execute(true);
-    return statement.get_affected_rows();
-}
-
-} // namespace
 
 SignInCodes::SignInCodes(Database &database, TimeSource now, std::string key)
     : m_database(database)
@@ -37,13 +25,12 @@ SignInCodes::create(std::string email)
     const auto expiry = storedTime(m_now() + lifetime);
     const long long gap = beforeResend.count();
     auto code = newCode();
-    auto work =
-        [email, now, expiry, gap, hash = hashOf(email, code)](DatabaseConnection &connection) {
-            auto &session = connection.session();
-            // One sent in what is far in the future was sent before the clock was set back.
-            const auto before = now - gap;
-            const auto beyond = now + gap;
-            if (changed((session.prepare
+    auto work = [email, now, expiry, gap, hash = hashOf(email, code)](DatabaseConnection &connection) {
+        auto &session = connection.session();
+        // One sent in what is far in the future was sent before the clock was set back.
+        const auto before = now - gap;
+        const auto beyond = now + gap;
+        if (changedRows((session.prepare
                              << "INSERT INTO sign_in_codes (email, code_hash, sent_at, expires_at, attempts) "
                                 "VALUES (:email, :hash, :now, :expiry, 0) ON CONFLICT (email) DO UPDATE SET "
                                 "code_hash = excluded.code_hash, sent_at = excluded.sent_at, "
@@ -52,12 +39,12 @@ SignInCodes::create(std::string email)
                          soci::use(email, "email"), soci::use(hash, "hash"), soci::use(now, "now"),
                          soci::use(expiry, "expiry"), soci::use(before, "before"),
                          soci::use(beyond, "beyond"))) == 1)
-                return 0LL;
-            long long sent = now;
-            session << "SELECT sent_at FROM sign_in_codes WHERE email = :email", soci::use(email, "email"),
-                soci::into(sent);
-            return std::clamp(sent + gap - now, 1LL, gap);
-        };
+            return 0LL;
+        long long sent = now;
+        session << "SELECT sent_at FROM sign_in_codes WHERE email = :email", soci::use(email, "email"),
+            soci::into(sent);
+        return std::clamp(sent + gap - now, 1LL, gap);
+    };
     const auto wait = co_await m_database.write(work);
     if (!wait)
         co_return wait.error();
@@ -82,9 +69,9 @@ SignInCodes::verify(std::string email, std::string code, std::function<void(Data
         auto &session = connection.session();
         const int most = attempts;
         // Others who try the same code wait here until this transaction is over.
-        if (changed((session.prepare << "UPDATE sign_in_codes SET attempts = attempts + 1 "
-                                        "WHERE email = :email AND attempts < :most AND expires_at > :now",
-                     soci::use(email, "email"), soci::use(most, "most"), soci::use(now, "now"))) != 1)
+        if (changedRows((session.prepare << "UPDATE sign_in_codes SET attempts = attempts + 1 "
+                                            "WHERE email = :email AND attempts < :most AND expires_at > :now",
+                         soci::use(email, "email"), soci::use(most, "most"), soci::use(now, "now"))) != 1)
             return Verification{Verdict::Wrong, false};
         std::string stored;
         session << "SELECT code_hash FROM sign_in_codes WHERE email = :email", soci::use(email, "email"),

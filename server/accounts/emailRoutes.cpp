@@ -1,8 +1,10 @@
 #include "emailRoutes.h"
 
+#include "Limit.h"
 #include "accountRefusals.h"
 #include "codeMail.h"
 #include "jsonBody.h"
+#include "signedInAccount.h"
 #include "textChecks.h"
 
 #include <array>
@@ -32,61 +34,24 @@ HttpResponse unavailable(const HttpRequest &request, const Failure &failure)
     return refuse(request, refusals::unavailable());
 }
 
-/// Two counters that are used together: the client's and the address's.
-class TwoLimits
+/// What one client and one mail address count in together.
+struct TwoLimits
 {
-public:
-    struct Limit
-    {
-        std::string key;
-        int most;
-        std::chrono::seconds length;
-    };
+    std::array<Limit, 2> both;
 
-    TwoLimits(RateLimits &limits, Limit client, Limit address)
-        : m_limits(limits)
-        , m_client(std::move(client))
-        , m_address(std::move(address))
-    {}
-
-    /// None where both are kept, else the answer.
-    awaitable<std::optional<HttpResponse>> use(const HttpRequest &request)
-    {
-        for (const auto *limit : std::array{&m_client, &m_address}) {
-            const auto wait = co_await m_limits.use(limit->key, limit->most, limit->length);
-            if (!wait)
-                co_return unavailable(request, wait.error());
-            if (*wait)
-                co_return refuse(request, refusals::tooMany(**wait));
-        }
-        co_return std::nullopt;
-    }
-
-    awaitable<void> giveBackClient() { return giveBack(m_client); }
-    awaitable<void> giveBackAddress() { return giveBack(m_address); }
-
-private:
-    awaitable<void> giveBack(const Limit &limit)
-    {
-        const auto given = co_await m_limits.giveBack(limit.key, limit.length);
-        if (!given) // it counts as one more, and nobody waits for it
-            spdlog::warn("a use was not given back: {}", given.error().reason);
-    }
-
-    RateLimits &m_limits;
-    Limit m_client;
-    Limit m_address;
+    const Limit &client() const { return both[0]; }
+    const Limit &address() const { return both[1]; }
 };
 
 /// The code in a mail; `email` has passed mailAddress().
-awaitable<HttpResponse> sendCode(const EmailSignIn &signIn, const HttpRequest &request, TwoLimits &limits,
-                                 const std::string &email)
+awaitable<HttpResponse> sendCode(const EmailSignIn &signIn, const HttpRequest &request,
+                                 const TwoLimits &limits, const std::string &email)
 {
     const auto created = co_await signIn.codes.create(email);
     if (!created)
         co_return unavailable(request, created.error());
     if (const auto *const tooSoon = std::get_if<SignInCodes::TooSoon>(&*created)) {
-        co_await limits.giveBackAddress();
+        co_await giveBack(signIn.limits, limits.address());
         const refusals::CodeTooSoon reply(tooSoon->wait);
         co_return refuse(request, reply.refusal());
     }
@@ -97,7 +62,7 @@ awaitable<HttpResponse> sendCode(const EmailSignIn &signIn, const HttpRequest &r
     spdlog::error("a code was not sent: {}", sent.error().reason);
     if (const auto discarded = co_await signIn.codes.discard(email); !discarded)
         spdlog::error("a code that was not sent stays: {}", discarded.error().reason);
-    co_await limits.giveBackAddress();
+    co_await giveBack(signIn.limits, limits.address());
     co_return refuse(request, refusals::mailFailed());
 }
 
@@ -110,11 +75,10 @@ awaitable<HttpResponse> start(const EmailSignIn &signIn, const HttpRequest &requ
     const auto email = mailAddress(*typed);
     if (!email)
         co_return refuse(request, refusals::noAddress());
-    TwoLimits limits(signIn.limits,
-                     {"code:" + request.clientNetwork(), signIn.most.codesForClientAnHour, hour},
-                     {"code:" + *email, signIn.most.codesForAddressADay, day});
-    if (auto refused = co_await limits.use(request))
-        co_return std::move(*refused);
+    const TwoLimits limits{{Limit{"code:" + request.clientNetwork(), signIn.most.codesForClientAnHour, hour},
+                            Limit{"code:" + *email, signIn.most.codesForAddressADay, day}}};
+    if (const auto refusal = co_await useEach(signIn.limits, limits.both))
+        co_return refuse(request, *refusal);
     co_return co_await sendCode(signIn, request, limits, *email);
 }
 
@@ -129,11 +93,11 @@ awaitable<HttpResponse> verify(const EmailSignIn &signIn, const HttpRequest &req
     if (!email)
         co_return refuse(request, refusals::wrongCode());
     // Counted before anything is compared: many at the same time are as many.
-    TwoLimits limits(signIn.limits,
-                     {"wrong:" + request.clientNetwork(), signIn.most.wrongCodesFromClientAnHour, hour},
-                     {"wrong:" + *email, signIn.most.wrongCodesForAddressADay, day});
-    if (auto refused = co_await limits.use(request))
-        co_return std::move(*refused);
+    const TwoLimits limits{
+        {Limit{"wrong:" + request.clientNetwork(), signIn.most.wrongCodesFromClientAnHour, hour},
+         Limit{"wrong:" + *email, signIn.most.wrongCodesForAddressADay, day}}};
+    if (const auto refusal = co_await useEach(signIn.limits, limits.both))
+        co_return refuse(request, *refusal);
     auto session = signIn.sessions.prepare(*email, "email");
     const auto verified =
         co_await signIn.codes.verify(*email, std::string(trimmed(*code)), std::move(session.store));
@@ -142,21 +106,19 @@ awaitable<HttpResponse> verify(const EmailSignIn &signIn, const HttpRequest &req
     const bool isRight = verified->verdict == SignInCodes::Verdict::Right;
     // Where nothing was compared nothing was guessed: else anybody could keep an address from signing in.
     if (isRight || !verified->isCompared)
-        co_await limits.giveBackAddress();
+        co_await giveBack(signIn.limits, limits.address());
     if (!isRight)
         co_return refuse(request, refusals::wrongCode());
-    co_await limits.giveBackClient();
+    co_await giveBack(signIn.limits, limits.client());
     co_return answer({{"session", session.token}, {"email", *email}});
 }
 
 awaitable<HttpResponse> account(const EmailSignIn &signIn, const HttpRequest &request)
 {
-    const auto found = co_await signIn.sessions.find(std::string(request.bearerToken()));
-    if (!found)
-        co_return unavailable(request, found.error());
-    if (!*found)
-        co_return refuse(request, refusals::signInAgain());
-    co_return answer({{"email", (*found)->email}});
+    const auto who = co_await signedInAccount(signIn.sessions, request);
+    if (const auto *const refusal = std::get_if<Refusal>(&who))
+        co_return refuse(request, *refusal);
+    co_return answer({{"email", std::get<Account>(who).email}});
 }
 
 } // namespace

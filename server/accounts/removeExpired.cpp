@@ -1,8 +1,7 @@
 #include "removeExpired.h"
 
+#include "changedRows.h"
 #include "storedTime.h"
-
-#include <soci/soci.h>
 
 namespace {
 
@@ -43,10 +42,7 @@ boost::asio::awaitable<Result<std::int64_t>> removeExpired(Database &database, s
         for (int times = 0; times < mostTimes; ++times) {
             auto work = [statementText = removal(table),
                          now = storedTime(now)](DatabaseConnection &connection) {
-                soci::statement statement =
-                    (connection.session().prepare << statementText, soci::use(now, "now"));
-                statement.execute(true);
-                return std::int64_t(statement.get_affected_rows());
+                return changedRows((connection.session().prepare << statementText, soci::use(now, "now")));
             };
             const auto some = co_await database.write(work);
             if (!some)

@@ -1,6 +1,6 @@
 #include "secrets.h"
 
-#include <array>
+#include <algorithm>
 #include <boost/algorithm/hex.hpp>
 #include <cstdint>
 #include <cstdlib>
@@ -89,6 +89,11 @@ std::string base64url(std::string_view bytes)
     }
     text.resize(std::min(text.size(), text.find('=')));
     return text;
+}
+
+std::string sha256Text(std::string_view text)
+{
+    return base64url(sha256(text));
 }
 
 std::string hexOf(std::string_view bytes)

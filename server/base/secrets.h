@@ -8,7 +8,10 @@
 /// are none: nothing secret can be made then.
 std::string randomBytes(std::size_t count);
 
-/// A token of 256 random bits, as 43 characters of base64url.
+/// Characters of a token.
+inline constexpr std::size_t tokenLength = 43;
+
+/// A token of 256 random bits, in base64url.
 std::string newToken();
 
 /// A decimal code of six digits, "000000" to "999999", every one as likely as any other.
@@ -25,6 +28,9 @@ std::string base64(std::string_view bytes);
 
 /// base64url without padding (RFC 4648, chapter 5).
 std::string base64url(std::string_view bytes);
+
+/// The SHA-256 of a text in base64url: what is kept of a token.
+std::string sha256Text(std::string_view text);
 
 /// Lower-case hexadecimal digits.
 std::string hexOf(std::string_view bytes);

@@ -12,11 +12,6 @@ using Utf8 = utf::utf_traits<char>;
 constexpr std::string_view whiteSpace = " \t\n\v\f\r";
 constexpr std::string_view noBreakSpace = "\u00A0";
 
-bool isLetterOrDigit(char character)
-{
-    return (character >= 'a' && character <= 'z') || (character >= '0' && character <= '9');
-}
-
 /// What RFC 5322 calls atext: a local part of such characters and full stops needs no quotes.
 bool isAtomCharacter(char character)
 {
@@ -94,8 +89,15 @@ std::string_view firstCharacters(std::string_view text, std::size_t most)
 bool isHttpToken(std::string_view text)
 {
     return !text.empty() && std::all_of(text.begin(), text.end(), [](char character) {
-        return character > ' ' && character < '\x7f' &&
+        return isVisible(character) &&
                std::string_view("\"(),/:;<=>?@[\\]{}").find(character) == std::string_view::npos;
+    });
+}
+
+bool isHeaderValue(std::string_view text)
+{
+    return std::none_of(text.begin(), text.end(), [](char character) {
+        return (character >= 0 && character < ' ' && character != '\t') || character == '\x7f';
     });
 }
 

@@ -15,9 +15,25 @@ bool hasControlCharacters(std::string_view text);
 /// The first `most` characters of a UTF-8 text.
 std::string_view firstCharacters(std::string_view text, std::size_t most);
 
+/// Whether it is a letter or digit of ASCII.
+constexpr bool isLetterOrDigit(char character)
+{
+    return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
+           (character >= '0' && character <= '9');
+}
+
+/// Whether it is of ASCII and can be seen: neither a space nor a control character.
+constexpr bool isVisible(char character)
+{
+    return character > ' ' && character <= '~';
+}
+
 /// Whether it is what RFC 9110 calls a token, such as a method or the name of a header: one character or
 /// more, all of ASCII, without spaces and separators.
 bool isHttpToken(std::string_view text);
+
+/// Whether it can stand as the value of a header: no control character of ASCII but the tab.
+bool isHeaderValue(std::string_view text);
 
 /// Without white space (ASCII's and U+00A0) at its ends.
 std::string_view trimmed(std::string_view text);

@@ -3,11 +3,9 @@
 #include "retryAfter.h"
 #include "suggestionReply.h"
 
-#include <algorithm>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/this_coro.hpp>
 #include <boost/asio/use_awaitable.hpp>
-#include <cmath>
 #include <memory>
 #include <random>
 #include <spdlog/spdlog.h>

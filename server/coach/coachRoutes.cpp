@@ -1,12 +1,11 @@
 #include "coachRoutes.h"
 
 #include "CoachService.h"
-#include "RateLimits.h"
+#include "Limit.h"
 #include "Router.h"
-#include "Sessions.h"
+#include "signedInAccount.h"
 
 #include <array>
-#include <spdlog/spdlog.h>
 
 namespace {
 
@@ -19,51 +18,12 @@ struct Parts
     CoachService &coach;
 };
 
-/// Whose session it is, or why nobody's.
-asio::awaitable<std::variant<Account, Refusal>> whoAsks(Sessions &sessions, const HttpRequest &request)
-{
-    const auto token = request.bearerToken();
-    if (token.empty())
-        co_return refusals::signInAgain();
-    const auto found = co_await sessions.find(std::string(token));
-    if (!found) {
-        spdlog::error("coach: a session could not be looked up: {}", found.error().reason);
-        co_return refusals::unavailable();
-    }
-    if (!*found)
-        co_return refusals::signInAgain();
-    co_return **found;
-}
-
 /// How often one account is answered, within one hour and within one day.
-struct Quota
-{
-    std::string key;
-    int limit = 0;
-    std::chrono::seconds length{0};
-    Refusal (*refusal)(std::chrono::seconds retryAfter) = nullptr;
-};
-
-std::array<Quota, 2> quotasOf(std::int64_t account, const CoachSettings &settings)
+std::array<Limit, 2> quotasOf(std::int64_t account, const CoachSettings &settings)
 {
     const auto number = std::to_string(account);
-    return {Quota{"coach-hour:" + number, settings.perHour, std::chrono::hours(1), refusals::coachHourUsedUp},
-            Quota{"coach-day:" + number, settings.perDay, std::chrono::days(1), refusals::coachDayUsedUp}};
-}
-
-/// Counts one suggestion before it is asked for: counted afterwards, any number could be under way together.
-asio::awaitable<std::optional<Refusal>> takeFrom(const std::array<Quota, 2> &quotas, RateLimits &limits)
-{
-    for (const auto &quota : quotas) {
-        const auto wait = co_await limits.use(quota.key, quota.limit, quota.length);
-        if (!wait) {
-            spdlog::error("coach: a quota could not be looked up: {}", wait.error().reason);
-            co_return refusals::unavailable();
-        }
-        if (*wait)
-            co_return quota.refusal(**wait);
-    }
-    co_return std::nullopt;
+    return {Limit{"coach-hour:" + number, settings.perHour, std::chrono::hours(1), refusals::coachHourUsedUp},
+            Limit{"coach-day:" + number, settings.perDay, std::chrono::days(1), refusals::coachDayUsedUp}};
 }
 
 /// What certainly has cost nothing. A model that wrote nothing of use, or was too slow, has been paid for,
@@ -71,13 +31,6 @@ asio::awaitable<std::optional<Refusal>> takeFrom(const std::array<Quota, 2> &quo
 bool isFree(CoachFault fault)
 {
     return fault != CoachFault::UnusableAnswer && fault != CoachFault::TimedOut;
-}
-
-asio::awaitable<void> giveBackTo(const std::array<Quota, 2> &quotas, RateLimits &limits)
-{
-    for (const auto &quota : quotas)
-        if (const auto given = co_await limits.giveBack(quota.key, quota.length); !given)
-            spdlog::warn("coach: a use could not be given back: {}", given.error().reason);
 }
 
 /// The suggestion that is asked for, or why there is none.
@@ -89,20 +42,23 @@ asio::awaitable<std::variant<Suggestion, Refusal>> suggest(const Parts parts, st
     if (const auto fault = parts.coach.refusal()) // before the quota, of which it is to take nothing
         co_return refusals::coach(*fault);
     const auto quotas = quotasOf(account, parts.coach.settings());
-    if (const auto refusal = co_await takeFrom(quotas, parts.limits))
+    // Counted before it is asked for: counted afterwards, any number could be under way together.
+    if (const auto refusal = co_await useEach(parts.limits, quotas))
         co_return *refusal;
     auto ended = co_await parts.coach.suggest(std::move(asked));
     if (auto *const suggestion = std::get_if<Suggestion>(&ended))
         co_return std::move(*suggestion);
     const auto fault = std::get<CoachFault>(ended);
-    if (isFree(fault))
-        co_await giveBackTo(quotas, parts.limits);
+    if (isFree(fault)) {
+        for (const auto &quota : quotas)
+            co_await giveBack(parts.limits, quota);
+    }
     co_return refusals::coach(fault);
 }
 
 asio::awaitable<HttpResponse> answer(const Parts parts, const HttpRequest &request)
 {
-    const auto who = co_await whoAsks(parts.sessions, request);
+    const auto who = co_await signedInAccount(parts.sessions, request);
     if (const auto *const refusal = std::get_if<Refusal>(&who))
         co_return refuse(request, *refusal);
     auto asked = readSuggestionRequest(request.body);

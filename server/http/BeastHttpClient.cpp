@@ -16,14 +16,13 @@
 #include <boost/asio/use_awaitable.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/core/tcp_stream.hpp>
-#include <boost/beast/http/empty_body.hpp>
 #include <boost/beast/http/read.hpp>
 #include <boost/beast/http/string_body.hpp>
 #include <boost/beast/http/write.hpp>
 #include <boost/beast/ssl/ssl_stream.hpp>
-#include <boost/url/grammar/ci_string.hpp>
 #include <boost/url/parse.hpp>
 #include <chrono>
+#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -78,15 +77,6 @@ std::optional<Target> targetFrom(const std::string &url)
     return target;
 }
 
-bool isSendable(const HttpCall &call)
-{
-    return isHttpToken(call.method) &&
-           std::all_of(call.headers.begin(), call.headers.end(), [](const auto &header) {
-               return isHttpToken(header.first) &&
-                      header.second.find_first_of(std::string_view("\r\n\0", 3)) == std::string::npos;
-           });
-}
-
 /// Why it did not work, without what was asked.
 Failure failed(std::string_view step, const Target &target, const error_code &error)
 {
@@ -106,10 +96,10 @@ public:
         , m_end(Clock::now() + m_call.timeout)
     {}
 
-    asio::awaitable<Result<HttpAnswer>> run(asio::thread_pool &resolvers, asio::ssl::context &tls);
+    asio::awaitable<Result<HttpAnswer>> run(asio::ssl::context &tls);
 
 private:
-    asio::awaitable<error_code> resolve(asio::thread_pool &resolvers);
+    asio::awaitable<error_code> resolve();
     asio::awaitable<error_code> connect(beast::tcp_stream &stream) const;
     asio::awaitable<Result<HttpAnswer>> overTls(beast::tcp_stream stream, asio::ssl::context &tls);
     template <class Stream>
@@ -125,12 +115,23 @@ private:
     Endpoints m_endpoints;
 };
 
+/// The threads of all look-ups. Nobody joins them: a program that ends does not wait for a name server.
+asio::thread_pool &resolvers()
+{
+    static auto &threads = *new asio::thread_pool(resolverThreads);
+    return threads;
+}
+
 /// What a look-up on another thread leaves; either side may let go of it first, on its own thread.
 struct LookUp
 {
+    std::mutex mutex;
+    bool isAwaited = true; ///< under the mutex: while it is, there is an executor to answer to
+
+    // Of the coroutine's thread alone:
     Endpoints endpoints;
     error_code error = beast::error::timeout;
-    asio::steady_timer *waiting = nullptr; ///< who waits, touched by the coroutine's thread alone
+    asio::steady_timer *waiting = nullptr; ///< who waits
 };
 
 /// The wait of a coroutine for its look-up: the timer ends with the coroutine, not with whoever lets go last.
@@ -143,7 +144,12 @@ public:
     {
         m_lookUp.waiting = &m_timer;
     }
-    ~LookUpWait() { m_lookUp.waiting = nullptr; }
+    ~LookUpWait()
+    {
+        m_lookUp.waiting = nullptr;
+        const std::lock_guard lock(m_lookUp.mutex);
+        m_lookUp.isAwaited = false;
+    }
     LookUpWait(const LookUpWait &) = delete;
     LookUpWait &operator=(const LookUpWait &) = delete;
 
@@ -154,17 +160,32 @@ private:
     asio::steady_timer m_timer;
 };
 
-Endpoints lookUp(asio::thread_pool &pool, const Target &target, error_code &error)
+/// On a thread of the resolvers. A look-up that stood in line for longer than anybody waits is not begun.
+void lookUp(const std::shared_ptr<LookUp> &found, const asio::any_io_executor &executor, const Target &target)
 {
+    {
+        const std::lock_guard lock(found->mutex);
+        if (!found->isAwaited)
+            return;
+    }
+    error_code problem;
     Endpoints endpoints;
-    asio::ip::tcp::resolver resolver(pool);
+    asio::ip::tcp::resolver resolver(resolvers());
     const auto flags = asio::ip::tcp::resolver::numeric_service;
-    for (const auto &entry : resolver.resolve(target.host, target.port, flags, error))
+    for (const auto &entry : resolver.resolve(target.host, target.port, flags, problem))
         endpoints.push_back(entry.endpoint());
-    return endpoints;
+    const std::lock_guard lock(found->mutex);
+    if (!found->isAwaited)
+        return;
+    asio::post(executor, [found, endpoints = std::move(endpoints), problem]() mutable {
+        found->endpoints = std::move(endpoints);
+        found->error = problem;
+        if (found->waiting)
+            found->waiting->cancel();
+    });
 }
 
-asio::awaitable<error_code> Exchange::resolve(asio::thread_pool &resolvers)
+asio::awaitable<error_code> Exchange::resolve()
 {
     error_code error;
     const auto address = asio::ip::make_address(m_target.host, error);
@@ -175,16 +196,7 @@ asio::awaitable<error_code> Exchange::resolve(asio::thread_pool &resolvers)
     const auto executor = co_await asio::this_coro::executor;
     const auto found = std::make_shared<LookUp>();
     LookUpWait wait(*found, executor, m_end);
-    asio::post(resolvers, [found, executor, &resolvers, target = m_target] {
-        error_code problem;
-        auto endpoints = lookUp(resolvers, target, problem);
-        asio::post(executor, [found, endpoints = std::move(endpoints), problem]() mutable {
-            found->endpoints = std::move(endpoints);
-            found->error = problem;
-            if (found->waiting)
-                found->waiting->cancel();
-        });
-    });
+    asio::post(resolvers(), [found, executor, target = m_target] { lookUp(found, executor, target); });
     co_await wait.timer().async_wait(into(error));
     m_endpoints = std::move(found->endpoints);
     // The system's order stays within each kind.
@@ -213,9 +225,9 @@ asio::awaitable<error_code> Exchange::connect(beast::tcp_stream &stream) const
     co_return error;
 }
 
-asio::awaitable<Result<HttpAnswer>> Exchange::run(asio::thread_pool &resolvers, asio::ssl::context &tls)
+asio::awaitable<Result<HttpAnswer>> Exchange::run(asio::ssl::context &tls)
 {
-    auto error = co_await resolve(resolvers);
+    auto error = co_await resolve();
     if (error)
         co_return failed("looking up", m_target, error);
     beast::tcp_stream stream(co_await asio::this_coro::executor);
@@ -302,14 +314,7 @@ asio::awaitable<error_code> Exchange::read(Stream &stream, HttpAnswer &answer)
 
 struct BeastHttpClient::State
 {
-    ~State()
-    {
-        resolvers.stop(); // what waits is not begun any more
-        resolvers.join();
-    }
-
     asio::ssl::context tls{asio::ssl::context::tls_client};
-    asio::thread_pool resolvers{resolverThreads};
 };
 
 Result<std::unique_ptr<BeastHttpClient>> BeastHttpClient::create(const std::string &certificateAuthorities)
@@ -340,9 +345,9 @@ asio::awaitable<Result<HttpAnswer>> BeastHttpClient::send(HttpCall call)
     auto target = targetFrom(call.url);
     if (!target)
         co_return Failure{"the address to ask is none of http or https"};
-    if (!isSendable(call))
+    if (!isHttpToken(call.method) || !areSendable(call.headers))
         co_return Failure{"the request to " + target->host + " has a header that cannot be sent"};
     call.url.clear();
     Exchange exchange(std::move(call), std::move(*target));
-    co_return co_await exchange.run(state->resolvers, state->tls);
+    co_return co_await exchange.run(state->tls);
 }

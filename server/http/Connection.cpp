@@ -20,16 +20,6 @@ namespace {
 
 using boost::system::error_code;
 
-/// A name for figures and the log, which lives as long as the program.
-std::string_view nameOf(std::string_view method)
-{
-    for (const std::string_view known : {"GET", "POST", "HEAD", "PUT", "PATCH", "DELETE", "OPTIONS"}) {
-        if (method == known)
-            return known;
-    }
-    return "other";
-}
-
 /// How long a client that was refused may go on sending, so that it gets to read why.
 constexpr std::chrono::seconds closingTime{2};
 constexpr std::size_t mostDropped = 1024 * 1024;
@@ -222,7 +212,8 @@ void Connection::compose(HttpResponse &response, bool closes)
 void Connection::note(const HttpResponse &response)
 {
     const std::chrono::duration<double> took = Clock::now() - m_begin;
-    const auto method = nameOf(m_reader.request().method);
+    const auto known = knownMethod(m_reader.request().method);
+    const auto method = known.empty() ? "other" : known;
     m_shared->figures.answered(m_route, method, response.status, took.count());
     spdlog::info("request id={} method={} route={} status={} ms={:.2f} bytes={}", m_requestId, method,
                  m_route, response.status, took.count() * 1000, response.body.size());

@@ -2,7 +2,9 @@
 
 #include "HttpClient.h"
 #include "clientAddresses.h"
+#include "textChecks.h"
 
+#include <algorithm>
 #include <boost/json/object.hpp>
 #include <boost/json/serialize.hpp>
 #include <boost/url/grammar/ci_string.hpp>
@@ -19,6 +21,22 @@ std::string_view firstOf(const HttpHeaders &headers, std::string_view name)
 }
 
 } // namespace
+
+std::string_view knownMethod(std::string_view method)
+{
+    for (const std::string_view known : {"GET", "HEAD", "POST", "PUT", "PATCH", "DELETE", "OPTIONS"}) {
+        if (method == known)
+            return known;
+    }
+    return {};
+}
+
+bool areSendable(const HttpHeaders &headers)
+{
+    return std::all_of(headers.begin(), headers.end(), [](const auto &header) {
+        return isHttpToken(header.first) && isHeaderValue(header.second);
+    });
+}
 
 std::string_view HttpRequest::header(std::string_view name) const
 {
@@ -46,6 +64,12 @@ std::string_view HttpAnswer::header(std::string_view name) const
     return firstOf(headers, name);
 }
 
+void addRetryAfter(HttpResponse &response, const Refusal &refusal)
+{
+    if (refusal.retryAfter.count() > 0)
+        response.headers.emplace_back("Retry-After", std::to_string(refusal.retryAfter.count()));
+}
+
 HttpResponse refuse(const HttpRequest &request, const Refusal &refusal)
 {
     HttpResponse response{refusal.status, "text/plain; charset=utf-8", {}, {}};
@@ -56,7 +80,6 @@ HttpResponse refuse(const HttpRequest &request, const Refusal &refusal)
     } else {
         response.body = sentence;
     }
-    if (refusal.retryAfter.count() > 0)
-        response.headers.emplace_back("Retry-After", std::to_string(refusal.retryAfter.count()));
+    addRetryAfter(response, refusal);
     return response;
 }

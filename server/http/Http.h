@@ -8,7 +8,13 @@
 #include <utility>
 #include <vector>
 
+/// The method where a route may have it, with characters that live as long as the program; else empty.
+std::string_view knownMethod(std::string_view method);
+
 using HttpHeaders = std::vector<std::pair<std::string, std::string>>;
+
+/// Whether no name or value could end a line and begin one that nobody meant.
+bool areSendable(const HttpHeaders &headers);
 
 /// A request as the routes see it: read whole, within the limits.
 struct HttpRequest
@@ -41,6 +47,9 @@ struct HttpResponse
     std::string body;
     HttpHeaders headers; ///< further ones; those that every answer has come by themselves
 };
+
+/// Adds the header that says when to come again, where the refusal says that.
+void addRetryAfter(HttpResponse &response, const Refusal &refusal);
 
 /// The sentence in the request's language as plain UTF-8 text, or as {"error": sentence} where JSON is asked
 /// for; with Retry-After where the refusal has one.

@@ -4,7 +4,6 @@
 #include "textChecks.h"
 
 #include <algorithm>
-#include <array>
 #include <boost/beast/http/basic_parser.hpp>
 #include <boost/url/grammar/ci_string.hpp>
 
@@ -25,14 +24,6 @@ std::string_view view(boost::core::string_view text)
     return {text.data(), text.size()};
 }
 
-/// The methods that a route may have; another one is not known here at all.
-bool isKnownMethod(std::string_view method)
-{
-    constexpr std::array<std::string_view, 7> known = {"GET",   "HEAD",   "POST",   "PUT",
-                                                       "PATCH", "DELETE", "OPTIONS"};
-    return std::find(known.begin(), known.end(), method) != known.end();
-}
-
 /// "HTTP/1.1", and any other two digits.
 bool isVersion(std::string_view text)
 {
@@ -45,8 +36,7 @@ bool isVersion(std::string_view text)
 bool isHost(std::string_view text)
 {
     return std::all_of(text.begin(), text.end(), [](char character) {
-        return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
-               (character >= '0' && character <= '9') ||
+        return isLetterOrDigit(character) ||
                std::string_view("-._~:[]%!$&'()*+;=").find(character) != std::string_view::npos;
     });
 }
@@ -257,10 +247,10 @@ bool RequestReader::checkRequestLine(std::string_view line)
         refuse(refusals::badRequest(), "malformed");
     else if (version != "HTTP/1.1" && version != "HTTP/1.0")
         refuse(refusals::unknownVersion(), "version");
-    else if (!isKnownMethod(method))
+    else if (knownMethod(method).empty())
         refuse(refusals::notImplemented(), "method");
     else if (target.front() != '/' || !std::all_of(target.begin(), target.end(), [](char character) {
-                 return character > ' ' && character < '\x7f' && character != '#';
+                 return isVisible(character) && character != '#';
              }))
         refuse(refusals::badRequest(), "target");
     else if (target.size() > m_limits.longestTarget)

@@ -3,7 +3,6 @@
 #include "textChecks.h"
 
 #include <algorithm>
-#include <boost/asio/ip/network_v4.hpp>
 #include <charconv>
 
 namespace ip = boost::asio::ip;

@@ -1,39 +1,34 @@
 #include "responseBytes.h"
 
+#include "textChecks.h"
+
 #include <algorithm>
 #include <array>
 #include <boost/beast/http/status.hpp>
 #include <boost/url/grammar/ci_string.hpp>
-#include <fmt/format.h>
+#include <fmt/chrono.h>
 #include <iterator>
 
 namespace {
 
 /// What every answer says by itself, or what would contradict how it is sent.
-constexpr std::array<std::string_view, 11> ours = {
-    "Connection", "Content-Length", "Content-Type", "Transfer-Encoding",      "Date",        "Server",
-    "Trailer",    "Upgrade",        "Keep-Alive",   "X-Content-Type-Options", "X-Request-Id"};
+constexpr std::array<std::string_view, 12> ours = {"Cache-Control",
+                                                   "Connection",
+                                                   "Content-Length",
+                                                   "Content-Type",
+                                                   "Transfer-Encoding",
+                                                   "Date",
+                                                   "Server",
+                                                   "Trailer",
+                                                   "Upgrade",
+                                                   "Keep-Alive",
+                                                   "X-Content-Type-Options",
+                                                   "X-Request-Id"};
 
 bool isOurs(std::string_view name)
 {
-    return boost::urls::grammar::ci_is_equal(name, "Cache-Control") ||
-           std::any_of(ours.begin(), ours.end(),
+    return std::any_of(ours.begin(), ours.end(),
                        [name](auto own) { return boost::urls::grammar::ci_is_equal(name, own); });
-}
-
-bool isName(std::string_view text)
-{
-    return !text.empty() && std::all_of(text.begin(), text.end(), [](char character) {
-        return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
-               (character >= '0' && character <= '9') || character == '-' || character == '_';
-    });
-}
-
-bool isValue(std::string_view text)
-{
-    return std::none_of(text.begin(), text.end(), [](char character) {
-        return (character >= 0 && character < ' ' && character != '\t') || character == '\x7f';
-    });
 }
 
 } // namespace
@@ -45,9 +40,8 @@ bool hasBody(unsigned status)
 
 bool isSendable(const HttpResponse &response)
 {
-    return response.status >= 200 && response.status <= 599 && isValue(response.contentType) &&
-           std::all_of(response.headers.begin(), response.headers.end(),
-                       [](const auto &header) { return isName(header.first) && isValue(header.second); });
+    return response.status >= 200 && response.status <= 599 && isHeaderValue(response.contentType) &&
+           areSendable(response.headers);
 }
 
 void appendHead(std::string &bytes, const HttpResponse &response, const ResponseFrame &frame)
@@ -87,12 +81,5 @@ void appendHead(std::string &bytes, const HttpResponse &response, const Response
 
 std::string httpDate(std::time_t seconds)
 {
-    constexpr std::array<const char *, 7> days = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-    constexpr std::array<const char *, 12> months = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                                     "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-    std::tm parts{};
-    gmtime_r(&seconds, &parts);
-    return fmt::format("{}, {:02} {} {} {:02}:{:02}:{:02} GMT", days[static_cast<std::size_t>(parts.tm_wday)],
-                       parts.tm_mday, months[static_cast<std::size_t>(parts.tm_mon)], parts.tm_year + 1900,
-                       parts.tm_hour, parts.tm_min, parts.tm_sec);
+    return fmt::format("{:%a, %d %b %Y %H:%M:%S} GMT", fmt::gmtime(seconds));
 }

@@ -4,7 +4,7 @@
 #include "textChecks.h"
 
 #include <algorithm>
-#include <array>
+#include <spdlog/fmt/chrono.h>
 #include <spdlog/fmt/fmt.h>
 
 namespace {
@@ -14,7 +14,7 @@ bool isPlain(std::string_view text)
     constexpr std::size_t longest = 60; // with the header's name still one line of 78
     return text.size() <= longest && text.find("=?") == std::string_view::npos &&
            std::all_of(text.begin(), text.end(),
-                       [](char character) { return character >= ' ' && character <= '~'; });
+                       [](char character) { return character == ' ' || isVisible(character); });
 }
 
 /// The most whole characters from the beginning of `text` that `most` bytes hold.
@@ -30,7 +30,7 @@ std::string_view firstBytes(std::string_view text, std::size_t most)
     return text.substr(0, length);
 }
 
-/// A name before an address: quoted where it is not only letters, digits and spaces.
+/// A name before an address: in quotation marks, or as encoded words.
 std::string displayName(std::string_view name)
 {
     if (!isPlain(name))
@@ -70,16 +70,8 @@ std::string headerText(std::string_view text)
 
 std::string mailDate(std::chrono::sys_seconds time)
 {
-    constexpr std::array days{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-    constexpr std::array months{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-    const auto midnight = std::chrono::floor<std::chrono::days>(time);
-    const std::chrono::year_month_day date(midnight);
-    const std::chrono::hh_mm_ss clock(time - midnight);
-    return fmt::format("{}, {:02} {} {:04} {:02}:{:02}:{:02} +0000",
-                       days[std::chrono::weekday(midnight).c_encoding()], unsigned(date.day()),
-                       months[unsigned(date.month()) - 1], int(date.year()), clock.hours().count(),
-                       clock.minutes().count(), clock.seconds().count());
+    return fmt::format("{:%a, %d %b %Y %H:%M:%S} +0000",
+                       fmt::gmtime(std::chrono::system_clock::to_time_t(time)));
 }
 
 std::vector<std::string> mailHeaders(const MailSender &from, const Mail &mail, std::chrono::sys_seconds now)

@@ -2,6 +2,7 @@
 
 #include "idToken.h"
 #include "oauthRefusals.h"
+#include "percentEncoded.h"
 #include "providerAnswer.h"
 #include "secrets.h"
 #include "urlText.h"

@@ -1,5 +1,6 @@
 #include "OAuthCallback.h"
 
+#include "textChecks.h"
 #include "urlText.h"
 
 #include <algorithm>
@@ -10,15 +11,14 @@ bool isState(std::string_view text)
 {
     return text.size() == OAuthCallback::lengthOfState &&
            std::all_of(text.begin(), text.end(), [](char character) {
-               return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
-                      (character >= '0' && character <= '9') || character == '-' || character == '_';
+               return isLetterOrDigit(character) || character == '-' || character == '_';
            });
 }
 
 bool isPrintable(std::string_view text, std::size_t longest)
 {
     return text.size() <= longest && std::all_of(text.begin(), text.end(), [](char character) {
-               return character >= ' ' && character <= '~';
+               return character == ' ' || isVisible(character);
            });
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "secrets.h"
+
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -11,7 +13,7 @@ struct OAuthCallback
     static constexpr std::size_t longestQuery = 8 * 1024; ///< bytes
     static constexpr std::size_t longestCode = 4 * 1024;  ///< bytes, decoded; printable ASCII
     static constexpr std::size_t longestIssuer = 512;     ///< bytes, decoded
-    static constexpr std::size_t lengthOfState = 43;      ///< of newToken()
+    static constexpr std::size_t lengthOfState = tokenLength;
 
     std::string state;                 ///< of the form of newToken()
     std::string code;                  ///< empty where there is an error

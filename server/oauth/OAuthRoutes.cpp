@@ -54,7 +54,6 @@ asio::awaitable<HttpResponse> OAuthRoutes::start(const HttpRequest &request, OAu
         co_return refuse(request, url.error().refusal);
     }
     HttpResponse response;
-    response.headers.emplace_back("Cache-Control", "no-store");
     response.body = boost::json::serialize(boost::json::object{{"url", *url}});
     co_return response;
 }
@@ -77,8 +76,7 @@ asio::awaitable<OAuthResult<std::string>> OAuthRoutes::begin(const HttpRequest &
     if (const auto counted = co_await count(request, "start"); !counted)
         co_return counted.error();
     const auto state = newToken();
-    OAuthAttempt attempt{std::string(provider.name()), newToken(), newToken(),
-                         std::string(codeOf(request.language))};
+    OAuthAttempt attempt{std::string(provider.name()), newToken(), newToken()};
     OAuthRequest asked{callbackUrl(provider), state, codeChallenge(attempt.verifier), attempt.nonce};
     auto url = co_await provider.authorizeUrl(std::move(asked));
     if (!url)

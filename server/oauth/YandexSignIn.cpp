@@ -18,8 +18,7 @@ constexpr std::size_t longestAddress = 254;
 /// Whether it can stand in a header: it comes from elsewhere.
 bool isAccessToken(std::string_view token)
 {
-    return !token.empty() && std::all_of(token.begin(), token.end(),
-                                         [](char character) { return character > ' ' && character <= '~'; });
+    return !token.empty() && std::all_of(token.begin(), token.end(), isVisible);
 }
 
 } // namespace

@@ -4,5 +4,5 @@
 
 std::string codeChallenge(std::string_view verifier)
 {
-    return base64url(sha256(verifier));
+    return sha256Text(verifier);
 }

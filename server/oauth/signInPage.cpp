@@ -98,7 +98,6 @@ HttpResponse faultPage(Language language, const Refusal &refusal)
                                      htmlText(refusal.sentence.in(language)), htmlText(goBack.in(language)));
     auto response = pageOf(language, didNotWork, "", content);
     response.status = refusal.status;
-    if (refusal.retryAfter.count() > 0)
-        response.headers.emplace_back("Retry-After", std::to_string(refusal.retryAfter.count()));
+    addRetryAfter(response, refusal);
     return response;
 }

@@ -1,5 +1,6 @@
 #include "urlText.h"
 
+#include "percentEncoded.h"
 #include "textChecks.h"
 
 #include <algorithm>
@@ -7,13 +8,6 @@
 #include <spdlog/fmt/fmt.h>
 
 namespace {
-
-bool isUnreserved(char character)
-{
-    return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
-           (character >= '0' && character <= '9') ||
-           std::string_view("-._~").find(character) != std::string_view::npos;
-}
 
 std::optional<std::string> decoded(std::string_view text)
 {
@@ -39,18 +33,6 @@ std::optional<std::string> decoded(std::string_view text)
 }
 
 } // namespace
-
-std::string percentEncoded(std::string_view text)
-{
-    std::string encoded;
-    for (const char character : text) {
-        if (isUnreserved(character))
-            encoded += character;
-        else
-            encoded += fmt::format("%{:02X}", static_cast<unsigned char>(character));
-    }
-    return encoded;
-}
 
 std::string formText(std::initializer_list<std::pair<std::string_view, std::string_view>> fields)
 {

@@ -7,9 +7,6 @@
 #include <utility>
 #include <vector>
 
-/// With every byte but letters, digits and "-._~" as %XX (RFC 3986, chapter 2).
-std::string percentEncoded(std::string_view text);
-
 /// "name=value&name=value", all percent-encoded: a query, or a body of application/x-www-form-urlencoded.
 std::string formText(std::initializer_list<std::pair<std::string_view, std::string_view>> fields);
 

@@ -3,7 +3,6 @@
 #include "DatabaseThreads.h"
 #include "migrations.h"
 
-#include <algorithm>
 #include <boost/asio/associated_executor.hpp>
 #include <boost/asio/async_result.hpp>
 #include <boost/asio/execution/outstanding_work.hpp>

@@ -1,8 +1,7 @@
 #include "PostgresqlConnection.h"
 
-#include "secrets.h"
+#include "percentEncoded.h"
 
-#include <cctype>
 #include <fcntl.h>
 #include <libpq-fe.h>
 #include <map>
@@ -140,20 +139,14 @@ private:
     std::string m_url;
 };
 
-/// Everything as parameters of a URL, and nothing but letters, digits and percent signs in their values: SOCI
-/// looks for options of its own between what it takes for spaces and equal signs.
+/// Everything as parameters of a URL, with their values encoded: SOCI looks for options of its own between
+/// what it takes for spaces and equal signs.
 std::string urlOf(const std::map<std::string, std::string> &parameters)
 {
     std::string url = "postgresql://";
     char separator = '?';
     for (const auto &[name, value] : parameters) {
-        url += separator + name + '=';
-        for (const char character : value) {
-            if (std::isalnum(static_cast<unsigned char>(character)))
-                url += character;
-            else
-                url += '%' + hexOf({&character, 1});
-        }
+        url += separator + name + '=' + percentEncoded(value);
         separator = '&';
     }
     return url;

@@ -1,11 +1,9 @@
 #include "migrations.h"
 
-#include <array>
 #include <soci/soci.h>
 #include <span>
 #include <spdlog/spdlog.h>
 #include <string>
-#include <string_view>
 
 namespace {
 

@@ -358,6 +358,20 @@ private Q_SLOTS:
         QCOMPARE(controller().completedTaskCount(), 2);
     }
 
+    void whatIsGivenTheKeyboardTakesLettersAtOnce()
+    {
+        open(ProductSection::Rules);
+        controller().setProModeEnabled(true);
+        controller().setBlockedAppsText({});
+        auto *const input = find(QAccessible::EditableText, u"Blocked apps"_s);
+        QVERIFY(input);
+        auto *const area = frameOf(input);
+        QVERIFY(area != input);
+        area->forceActiveFocus(Qt::TabFocusReason);
+        key(Qt::Key_A);
+        QCOMPARE(controller().blockedAppsText(), u"a"_s);
+    }
+
     void escapeLeavesTheKeyboardWhereItIs()
     {
         fillIn();

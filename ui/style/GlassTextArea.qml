@@ -44,7 +44,6 @@ FocusScope {
         anchors.topMargin: 10
         anchors.bottomMargin: 10
         anchors.rightMargin: 4
-        focus: true
         clip: true
         boundsBehavior: Flickable.StopAtBounds
         interactive: contentHeight > height

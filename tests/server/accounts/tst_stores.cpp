@@ -55,7 +55,7 @@ protected:
 class OAuthStatesTest : public StoreTest
 {
 protected:
-    const OAuthAttempt m_attempt{"google", "verifier", "nonce", "ru"};
+    const OAuthAttempt m_attempt{"google", "verifier", "nonce"};
     OAuthStates m_states{*m_database, m_clock.source()};
     OAuthStates m_otherStates{*m_other, m_clock.source()};
 };
@@ -382,7 +382,7 @@ TEST_P(StoreTest, removesWhatIsOverAndNothingElse)
     RateLimits limits(*m_database, m_clock.source());
     const auto over = *await(sessions.begin(student, "email"));
     await(codes.create(student));
-    await(states.put("state", {"google", "v", "n", "en"}));
+    await(states.put("state", {"google", "v", "n"}));
     await(limits.use("a", 1, 60s));
     EXPECT_EQ(*await(removeExpired(*m_other, m_clock.now())), 0);
     m_clock.advance(Sessions::lifetime);

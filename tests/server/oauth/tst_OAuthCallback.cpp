@@ -1,5 +1,6 @@
 // What may stand behind the question mark when a provider sends the browser back.
 #include "OAuthCallback.h"
+#include "percentEncoded.h"
 #include "pkce.h"
 #include "urlText.h"
 
