@@ -33,7 +33,7 @@ HOURS = 8
 SETTLED = 2 * HOUR  # what is made once is there by then
 # Times faster that the programs wait; the one that has less to do would be far ahead in the end.
 SPEED, SPEED_OF_COUNTER = 250, 150
-SECONDS = 60  # real ones; only what is broken is waited for that long
+SECONDS = 120  # real ones; only what is broken is waited for that long
 STUDY_MINUTES, BREAK_MINUTES = 40, 15
 MOST_DRIFT = 1.0  # seconds in eight hours
 
