@@ -78,6 +78,14 @@ TEST(RequestReader, readsChunks)
 
 TEST(RequestReader, takesOneEmptyLineBeforeARequest)
 {
+    RequestReader reader(limits);
+    std::string waiting;
+    for (const char byte : "\r\n" + getRequest("/a")) {
+        ASSERT_EQ(reader.state(), State::Head);
+        waiting += byte;
+        waiting.erase(0, reader.take(waiting));
+    }
+    EXPECT_EQ(reader.state(), State::Whole) << "its halves may come one after the other";
     EXPECT_EQ(refusedWith("\r\n" + getRequest("/a")), 0U);
     EXPECT_EQ(refusedWith("\r\n\r\n" + getRequest("/a")), 400U);
 }
