@@ -2,8 +2,6 @@
 
 #include "shownName.h"
 
-#include <QList>
-
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -5,7 +5,6 @@
 #include "isShortage.h"
 #include "keyFiles.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
