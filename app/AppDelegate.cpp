@@ -5,7 +5,7 @@
 #include "setUpInterface.h"
 #include "statusTitle.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QLoggingCategory>
 #include <QMenu>
 #include <QQmlEngine>

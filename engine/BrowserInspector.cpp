@@ -11,13 +11,6 @@ BrowserInspector::BrowserInspector(BrowserScripting &scripting)
     : m_scripting(scripting)
 {}
 
-const QSet<QString> &BrowserInspector::supportedBrowsers()
-{
-    static const QSet<QString> names{u"Safari"_s, u"Google Chrome"_s, u"Brave Browser"_s, u"Microsoft Edge"_s,
-                                     u"Arc"_s,    u"Chromium"_s,      u"Opera"_s};
-    return names;
-}
-
 std::vector<BrowserTab> BrowserInspector::allTabs(const QString &browser) const
 {
     return m_scripting.allTabs(browser);

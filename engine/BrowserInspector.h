@@ -2,16 +2,11 @@
 
 #include "BrowserScripting.h"
 
-#include <QSet>
-
 /// Reads and closes the tabs of the browsers whose tabs can be read.
 class BrowserInspector
 {
 public:
     explicit BrowserInspector(BrowserScripting &scripting);
-
-    /// The seven names under which a supported browser runs; compared exactly.
-    static const QSet<QString> &supportedBrowsers();
 
     std::vector<BrowserTab> allTabs(const QString &browser) const;
 

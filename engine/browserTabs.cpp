@@ -3,6 +3,7 @@
 #include "QuorvelController.h"
 #include "RunningApplications.h"
 #include "domains.h"
+#include "supportedBrowsers.h"
 #include "textLists.h"
 
 using namespace Qt::StringLiterals;
@@ -65,7 +66,7 @@ void QuorvelController::checkBrowsersIfNeeded()
     QSet<QString> browsers;
     for (const auto &application : m_ports.applications.running())
         browsers.insert(displayName(application));
-    browsers.intersect(BrowserInspector::supportedBrowsers());
+    browsers.intersect(supportedBrowsers());
     closeBlockedTabs(browsers);
 }
 

@@ -2,6 +2,7 @@
 #include "BrowserInspector.h"
 #include "QuorvelController.h"
 #include "domains.h"
+#include "supportedBrowsers.h"
 
 #include <algorithm>
 
@@ -27,8 +28,7 @@ StudyMoment QuorvelController::validateStudyMoment() const
 
 StudyMoment QuorvelController::validateStudySite() const
 {
-    if (!BrowserInspector::supportedBrowsers().contains(m_activeAppName) ||
-        config().allowedStudyDomains.isEmpty())
+    if (!supportedBrowsers().contains(m_activeAppName) || config().allowedStudyDomains.isEmpty())
         return {};
     const auto url = BrowserInspector(m_ports.browsers).frontTabURL(m_activeAppName);
     if (!url)

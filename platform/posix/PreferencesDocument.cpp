@@ -9,7 +9,7 @@ PreferencesDocument PreferencesDocument::fromBytes(const QByteArray &bytes)
         const qsizetype lineEnd = bytes.indexOf('\n', start);
         const qsizetype end = lineEnd < 0 ? bytes.size() : lineEnd;
         QByteArray line = bytes.mid(start, end - start);
-        if (line.endsWith('\r'))
+        while (line.endsWith('\r')) // were one left, the next reading would take it for a line end's
             line.chop(1);
         start = end + 1;
 

@@ -21,12 +21,6 @@ QString homeOfUserDatabase()
     return QFile::decodeName(found->pw_dir);
 }
 
-QString homeFolder()
-{
-    const QString home = QFile::decodeName(qgetenv("HOME"));
-    return home.startsWith(u'/') ? home : homeOfUserDatabase();
-}
-
 QString withoutLastSlashes(QString path)
 {
     while (path.endsWith(u'/'))
@@ -34,24 +28,65 @@ QString withoutLastSlashes(QString path)
     return path;
 }
 
-/// The folder `name` in the base folder that `variable` names, by default `underHome` (begins with "/").
-/// ".." is left to the file system, which alone knows where symbolic links lead.
-QString folderIn(const char *variable, const QString &underHome, const QString &name)
+/// The folder that `variable` names, by default `underHome` (begins with "/"). ".." is left to the file
+/// system, which alone knows where symbolic links lead.
+QString folderNamed(const char *variable, const QString &underHome)
 {
     const QString named = QFile::decodeName(qgetenv(variable));
-    const QString base =
-        named.startsWith(u'/') ? withoutLastSlashes(named) : withoutLastSlashes(homeFolder()) + underHome;
-    return base + u'/' + name;
+    return named.startsWith(u'/') ? withoutLastSlashes(named) : homeFolder() + underHome;
+}
+
+/// The folders that `variable` lists, by default `otherwise`.
+QStringList foldersNamed(const char *variable, const QStringList &otherwise)
+{
+    QStringList folders;
+    for (const auto &folder : QFile::decodeName(qgetenv(variable)).split(u':', Qt::SkipEmptyParts)) {
+        if (folder.startsWith(u'/'))
+            folders << withoutLastSlashes(folder);
+    }
+    return folders.isEmpty() ? otherwise : folders;
 }
 
 } // namespace
 
+QString homeFolder()
+{
+    const QString home = QFile::decodeName(qgetenv("HOME"));
+    return withoutLastSlashes(home.startsWith(u'/') ? home : homeOfUserDatabase());
+}
+
+QString dataHome()
+{
+    return folderNamed("XDG_DATA_HOME", u"/.local/share"_s);
+}
+
+QStringList dataFolders()
+{
+    return foldersNamed("XDG_DATA_DIRS", {u"/usr/local/share"_s, u"/usr/share"_s});
+}
+
+QString configHome()
+{
+    return folderNamed("XDG_CONFIG_HOME", u"/.config"_s);
+}
+
+QStringList configFolders()
+{
+    return foldersNamed("XDG_CONFIG_DIRS", {u"/etc/xdg"_s});
+}
+
+QStringList programFolders()
+{
+    return foldersNamed(
+        "PATH", {u"/usr/local/bin"_s, u"/usr/bin"_s, u"/bin"_s, u"/usr/local/games"_s, u"/usr/games"_s});
+}
+
 QString dataFolder()
 {
-    return folderIn("XDG_DATA_HOME", u"/.local/share"_s, u"Quorvel"_s);
+    return dataHome() + u"/Quorvel"_s;
 }
 
 QString preferencesFolder()
 {
-    return folderIn("XDG_CONFIG_HOME", u"/.config"_s, u"quorvel"_s);
+    return configHome() + u"/quorvel"_s;
 }

@@ -2,7 +2,6 @@
 
 #include "FileCalls.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>

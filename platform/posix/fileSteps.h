@@ -3,7 +3,6 @@
 #include "Result.h"
 
 #include <QByteArray>
-#include <QString>
 
 #include <optional>
 #include <vector>

@@ -3,6 +3,7 @@
 #include "BlockingEngine.h"
 #include "BrowserInspector.h"
 #include "patience.h"
+#include "supportedBrowsers.h"
 
 #include <QTest>
 
@@ -78,9 +79,8 @@ void BrowserChecks::close(const QStringList &urls)
 QString BrowserChecks::look(const QStringList &blockedDomains)
 {
     // A browser that is not among the supported ones has no application here: it is found without.
-    const auto running = BrowserInspector::supportedBrowsers().contains(m_browser->name())
-                             ? QStringList(m_browser->name())
-                             : QStringList();
+    const auto running =
+        supportedBrowsers().contains(m_browser->name()) ? QStringList(m_browser->name()) : QStringList();
     return BlockingEngine(m_program->scripting(), running, blockedDomains).look();
 }
 

@@ -1,7 +1,7 @@
-#include "BrowserInspector.h"
 #include "ControllerHarness.h"
 #include "domains.h"
 #include "suite.h"
+#include "supportedBrowsers.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -246,7 +246,7 @@ private Q_SLOTS:
 
     void supportedBrowsersAreSevenExactNames()
     {
-        const auto &names = BrowserInspector::supportedBrowsers();
+        const auto &names = supportedBrowsers();
         QCOMPARE(names.size(), 7);
         for (const auto &name : {u"Safari"_s, u"Google Chrome"_s, u"Brave Browser"_s, u"Microsoft Edge"_s,
                                  u"Arc"_s, u"Chromium"_s, u"Opera"_s})

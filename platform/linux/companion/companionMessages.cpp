@@ -226,7 +226,7 @@ CompanionMessage readHello(KeyReader &keys, QString &)
 {
     HelloMessage hello;
     hello.protocol = keys.number("protocol");
-    hello.version = keys.text("version");
+    keys.text("version"); // for people who read along
     hello.privateWindows = keys.flag("privateWindows");
     return hello;
 }

@@ -45,7 +45,6 @@ struct CompanionWindow
 struct HelloMessage
 {
     qint64 protocol = 0;
-    QString version;
     bool privateWindows = false; ///< whether the extension may see them
 
     bool operator==(const HelloMessage &) const = default;

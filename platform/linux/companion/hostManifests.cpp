@@ -1,10 +1,10 @@
 #include "hostManifests.h"
 
 #include "FileCalls.h"
+#include "baseFolders.h"
 #include "companionIdentity.h"
 #include "fileSteps.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLoggingCategory>
@@ -124,10 +124,7 @@ bool bringUpToDate(FileCalls &calls, const QString &path, const QByteArray &mani
 
 HostManifestPlaces hostManifestPlaces(const QString &relay)
 {
-    const auto home = QDir::homePath();
-    const auto config = QFile::decodeName(qgetenv("XDG_CONFIG_HOME"));
-    return {home, config.startsWith(u'/') ? QDir::cleanPath(config) : home + u"/.config"_s, relay,
-            QFile::decodeName(qgetenv("PATH")).split(u':', Qt::SkipEmptyParts)};
+    return {homeFolder(), configHome(), relay, programFolders()};
 }
 
 QStringList writeHostManifests(FileCalls &calls, const HostManifestPlaces &places)

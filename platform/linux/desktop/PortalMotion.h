@@ -3,7 +3,6 @@
 #include "MotionPreference.h"
 
 #include <QDBusConnection>
-#include <QDBusMessage>
 #include <QMap>
 #include <QObject>
 #include <QVariant>

@@ -2,11 +2,11 @@
 
 #include "DesktopEntry.h"
 #include "FileCalls.h"
+#include "baseFolders.h"
 #include "durableWrite.h"
 #include "fileSteps.h"
 #include "keyFiles.h"
 
-#include <QDir>
 #include <QFile>
 #include <QLoggingCategory>
 #include <QStandardPaths>
@@ -159,34 +159,15 @@ bool associate(FileCalls &calls, const SchemeHandlerPlaces &places)
                  keyFileWithLine(there.value().value_or(QByteArray()), "Default Applications", line));
 }
 
-/// The folder that a variable names, or the one that it stands for where it names none.
-QString folderNamed(const char *variable, const QString &otherwise)
-{
-    const auto named = QFile::decodeName(qgetenv(variable));
-    return named.startsWith(u'/') ? QDir::cleanPath(named) : otherwise;
-}
-
-QStringList foldersNamed(const char *variable, const QString &otherwise)
-{
-    const auto named = QFile::decodeName(qgetenv(variable));
-    QStringList folders;
-    for (const auto &folder : (named.isEmpty() ? otherwise : named).split(u':', Qt::SkipEmptyParts)) {
-        if (folder.startsWith(u'/'))
-            folders << QDir::cleanPath(folder);
-    }
-    return folders;
-}
-
 } // namespace
 
 SchemeHandlerPlaces schemeHandlerPlaces(const QString &program)
 {
-    const auto home = QDir::homePath();
     return {program,
-            folderNamed("XDG_DATA_HOME", home + u"/.local/share"_s),
-            foldersNamed("XDG_DATA_DIRS", u"/usr/local/share:/usr/share"_s),
-            folderNamed("XDG_CONFIG_HOME", home + u"/.config"_s),
-            foldersNamed("XDG_CONFIG_DIRS", u"/etc/xdg"_s),
+            dataHome(),
+            dataFolders(),
+            configHome(),
+            configFolders(),
             qEnvironmentVariable("XDG_CURRENT_DESKTOP").toLower().split(u':', Qt::SkipEmptyParts)};
 }
 

@@ -2,8 +2,6 @@
 
 #include "shownName.h"
 
-#include <QList>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -40,6 +38,12 @@ QString unescaped(const QString &value)
         }
     }
     return result;
+}
+
+/// What stands between the words of a command. A no-break space is none: it may stand in a path.
+bool isSeparator(QChar character)
+{
+    return character == u' ' || character == u'\t' || character == u'\n' || character == u'\r';
 }
 
 bool isTrue(const QString &value)
@@ -185,7 +189,7 @@ QStringList splitCommand(const QString &exec)
         } else if (character == u'%' && more) {
             if (exec[++at] == u'%')
                 word += u'%';
-        } else if (!quoted && character.isSpace()) {
+        } else if (!quoted && isSeparator(character)) {
             if (!word.isEmpty() || started)
                 words << word;
             word.clear();

@@ -1,10 +1,10 @@
 #include "DesktopIndex.h"
 
 #include "FileHandle.h"
+#include "baseFolders.h"
 #include "isShortage.h"
 #include "processLog.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -128,20 +128,13 @@ std::optional<int> fit(const DesktopEntry &entry, const ProgramCall &wanted, con
 
 DesktopPlaces DesktopPlaces::ofThisUser()
 {
-    const auto split = [](const QString &value) { return value.split(u':', Qt::SkipEmptyParts); };
-    const auto home = QDir::homePath();
-    const auto ownData = qEnvironmentVariable("XDG_DATA_HOME");
-    const auto allData = qEnvironmentVariable("XDG_DATA_DIRS");
     DesktopPlaces places;
-    places.dataFolders << (ownData.startsWith(u'/') ? ownData : home + "/.local/share"_L1);
-    places.dataFolders << split(allData.isEmpty() ? u"/usr/local/share:/usr/share"_s : allData);
+    places.dataFolders << dataHome() << ::dataFolders();
     // Sessions that were started without a login shell lack these in XDG_DATA_DIRS.
-    places.dataFolders << home + "/.local/share/flatpak/exports/share"_L1
+    places.dataFolders << homeFolder() + "/.local/share/flatpak/exports/share"_L1
                        << u"/var/lib/flatpak/exports/share"_s << u"/var/lib/snapd/desktop"_s;
     places.dataFolders.removeDuplicates();
-    const auto path = qEnvironmentVariable("PATH");
-    places.programFolders =
-        split(path.isEmpty() ? u"/usr/local/bin:/usr/bin:/bin:/usr/local/games:/usr/games"_s : path);
+    places.programFolders = ::programFolders();
     places.locale = messagesLocale();
     return places;
 }

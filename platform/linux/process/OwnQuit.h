@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QDBusConnection>
-#include <QObject>
 
 #include <functional>
 #include <vector>

@@ -3,8 +3,8 @@
 #include "FileHandle.h"
 #include "displayName.h"
 #include "isShortage.h"
+#include "keyFiles.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -52,19 +52,6 @@ QString desktopIdOfFile(const QString &path)
         return {};
     id.chop(8);
     return id.replace(u'/', u'-');
-}
-
-QString flatpakIdOf(const QByteArray &info)
-{
-    bool inGroup = false;
-    for (const auto &rawLine : info.split('\n')) {
-        const auto line = rawLine.trimmed();
-        if (line.startsWith('['))
-            inGroup = line == "[Application]";
-        else if (inGroup && line.startsWith("name="))
-            return QString::fromUtf8(line.sliced(5));
-    }
-    return {};
 }
 
 } // namespace
@@ -172,7 +159,7 @@ std::optional<ProcessFacts> ProcFiles::facts(qint32 id) const
         facts.call = {facts.executable.isEmpty() ? claimed : facts.executable, facts.commandLine.mid(1),
                       false};
     facts.cgroup = cgroupApplication(*cgroup);
-    facts.flatpakId = flatpakIdOf(*flatpak);
+    facts.flatpakId = QString::fromUtf8(keyFileValue(*flatpak, "Application", "name").value_or(QByteArray()));
     takeEnvironment(facts, *environment);
     return facts;
 }

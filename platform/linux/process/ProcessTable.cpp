@@ -2,9 +2,7 @@
 
 #include "processLog.h"
 
-#include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <cstring>
 #include <ctime>
 #include <sys/epoll.h>

@@ -1,5 +1,7 @@
 #include "browserNames.h"
 
+#include "supportedBrowsers.h"
+
 #include <QHash>
 #include <QSet>
 
@@ -71,11 +73,7 @@ std::optional<QString> supportedBrowserName(const QString &desktopId, const QStr
 
 bool isSupportedBrowserName(const QString &name)
 {
-    static const auto names = [] {
-        const auto values = namesById().values();
-        return QSet<QString>(values.cbegin(), values.cend());
-    }();
-    return names.contains(name);
+    return supportedBrowsers().contains(name);
 }
 
 std::optional<QString> furtherBrowserName(const QString &desktopId, const QString &executable)

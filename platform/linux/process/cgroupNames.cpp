@@ -2,6 +2,18 @@
 
 namespace {
 
+/// Resolves systemd's "\xHH" escapes: "org.a\x2db" is "org.a-b".
+QString unescapedUnitName(QByteArray name)
+{
+    for (auto at = name.indexOf("\\x"); at >= 0; at = name.indexOf("\\x", at + 1)) {
+        bool ok = false;
+        const auto code = name.mid(at + 2, 2).toInt(&ok, 16);
+        if (ok && code > 0 && name.size() >= at + 4)
+            name.replace(at, 4, QByteArray(1, char(code)));
+    }
+    return QString::fromUtf8(name);
+}
+
 /// What stands between "app-" and the random part of a scope or the instance of a service; else empty.
 QByteArray launcherAndId(const QByteArray &unit)
 {
@@ -47,15 +59,4 @@ CgroupApplication cgroupApplication(const QByteArray &text)
         }
     }
     return found;
-}
-
-QString unescapedUnitName(QByteArray name)
-{
-    for (auto at = name.indexOf("\\x"); at >= 0; at = name.indexOf("\\x", at + 1)) {
-        bool ok = false;
-        const auto code = name.mid(at + 2, 2).toInt(&ok, 16);
-        if (ok && code > 0 && name.size() >= at + 4)
-            name.replace(at, 4, QByteArray(1, char(code)));
-    }
-    return QString::fromUtf8(name);
 }

@@ -16,6 +16,3 @@ struct CgroupApplication
 
 /// Reads the text of /proc/PID/cgroup.
 CgroupApplication cgroupApplication(const QByteArray &text);
-
-/// Resolves systemd's "\xHH" escapes: "org.a\x2db" is "org.a-b".
-QString unescapedUnitName(QByteArray name);

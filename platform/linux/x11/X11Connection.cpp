@@ -7,6 +7,7 @@
 #include <array>
 #include <cstring>
 #include <poll.h>
+#include <vector>
 #include <xcb/res.h>
 #include <xcb/screensaver.h>
 #include <xcb/xcbext.h>

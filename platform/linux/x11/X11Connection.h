@@ -2,14 +2,12 @@
 
 #include "Availability.h"
 
-#include <QByteArray>
 #include <QString>
 
 #include <chrono>
 #include <cstdlib>
 #include <memory>
 #include <optional>
-#include <vector>
 #include <xcb/xcb.h>
 
 /// Memory that libxcb hands over.

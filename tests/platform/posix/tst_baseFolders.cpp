@@ -28,6 +28,8 @@ class tst_baseFolders : public QObject
 private Q_SLOTS:
     void followsTheSpecification_data();
     void followsTheSpecification();
+    void listsLeaveOutWhatIsNotAbsolute_data();
+    void listsLeaveOutWhatIsNotAbsolute();
     void asksTheUserDatabaseWithoutHome_data();
     void asksTheUserDatabaseWithoutHome();
 };
@@ -64,6 +66,36 @@ void tst_baseFolders::followsTheSpecification()
     setVariable("XDG_CONFIG_HOME", variable);
     QTEST(dataFolder(), "data");
     QTEST(preferencesFolder(), "preferences");
+}
+
+void tst_baseFolders::listsLeaveOutWhatIsNotAbsolute_data()
+{
+    QTest::addColumn<QString>("variable");
+    QTest::addColumn<QStringList>("folders"); // empty: the default
+    QTest::newRow("unset") << QString() << QStringList();
+    QTest::newRow("empty") << u""_s << QStringList();
+    QTest::newRow("several") << u"/x:/y/"_s << QStringList{u"/x"_s, u"/y"_s};
+    QTest::newRow("some relative") << u"share:/x:./y:~/z:"_s << QStringList{u"/x"_s};
+    QTest::newRow("all relative") << u"share:."_s << QStringList();
+    QTest::newRow("not of ASCII") << u"/дом"_s << QStringList{u"/дом"_s};
+}
+
+void tst_baseFolders::listsLeaveOutWhatIsNotAbsolute()
+{
+    QFETCH(QString, variable);
+    QFETCH(QStringList, folders);
+    const auto path = qgetenv("PATH");
+    for (const auto *name : {"XDG_DATA_DIRS", "XDG_CONFIG_DIRS", "PATH"})
+        setVariable(name, variable);
+    const auto data = dataFolders();
+    const auto config = configFolders();
+    const auto programs = programFolders();
+    qputenv("PATH", path);
+    const auto orElse = [&](const QStringList &otherwise) { return folders.isEmpty() ? otherwise : folders; };
+    QCOMPARE(data, orElse({u"/usr/local/share"_s, u"/usr/share"_s}));
+    QCOMPARE(config, orElse({u"/etc/xdg"_s}));
+    QCOMPARE(programs,
+             orElse({u"/usr/local/bin"_s, u"/usr/bin"_s, u"/bin"_s, u"/usr/local/games"_s, u"/usr/games"_s}));
 }
 
 void tst_baseFolders::asksTheUserDatabaseWithoutHome_data()

@@ -8,6 +8,13 @@ class tst_preferencesDocument : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void aCommentIsWrittenTheSameEachTime()
+    {
+        const auto once = PreferencesDocument::fromBytes("# mine\r\r\na = 1\r\n").bytes();
+        QCOMPARE(once, QByteArray("# mine\na = 1\n"));
+        QCOMPARE(PreferencesDocument::fromBytes(once).bytes(), once);
+    }
+
     void keepsEveryOtherLine();
     void leavesOutWhatItDoesNotUnderstand();
     void readsWhatEditorsWrite_data();

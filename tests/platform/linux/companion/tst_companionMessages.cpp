@@ -24,7 +24,7 @@ std::vector<Sample> samples()
 {
     return {
         {"hello", R"({"type":"hello","protocol":1,"version":"1.2","privateWindows":true})",
-         HelloMessage{1, u"1.2"_s, true}},
+         HelloMessage{1, true}},
         {"windows",
          R"({"type":"windows","windows":[{"id":7,"active":11,"tabs":[{"id":10,"url":"https://a.example/"},)"
          R"({"id":11,"url":""}]},{"id":8,"active":null,"tabs":[]}],"focused":7})",

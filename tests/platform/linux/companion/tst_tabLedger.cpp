@@ -15,7 +15,7 @@ WindowsMessage twoWindows()
 TabLedger told(const WindowsMessage &windows = twoWindows())
 {
     TabLedger ledger;
-    ledger.apply(HelloMessage{1, u"1"_s, true});
+    ledger.apply(HelloMessage{1, true});
     ledger.apply(windows);
     return ledger;
 }
@@ -68,7 +68,7 @@ private Q_SLOTS:
         TabLedger ledger;
         QVERIFY(ledger.apply(twoWindows()) == Outcome::PassedOver);
         QVERIFY(ledger.apply(FocusMessage{1}) == Outcome::PassedOver);
-        QVERIFY(ledger.apply(HelloMessage{1, u"1"_s, false}) == Outcome::List);
+        QVERIFY(ledger.apply(HelloMessage{1, false}) == Outcome::List);
         QVERIFY(!ledger.told());
         QVERIFY(ledger.apply(WindowMessage{{1, {}, {}}}) == Outcome::PassedOver);
         QVERIFY(ledger.apply(FocusMessage{1}) == Outcome::PassedOver);
@@ -80,7 +80,7 @@ private Q_SLOTS:
     void helloForgetsEverything()
     {
         auto ledger = told();
-        QVERIFY(ledger.apply(HelloMessage{1, u"1"_s, false}) == Outcome::List);
+        QVERIFY(ledger.apply(HelloMessage{1, false}) == Outcome::List);
         QVERIFY(!ledger.told() && !ledger.seesPrivateWindows());
         QVERIFY(ledger.windows().empty() && !ledger.focused() && !ledger.frontTab());
     }

@@ -75,6 +75,12 @@ private Q_SLOTS:
         QTEST(splitCommand(exec), "words");
     }
 
+    void onlyBlanksDivideWords()
+    {
+        QCOMPARE(splitCommand(u"/opt/My\u00a0App/run\u2003er\v x\ty\nz"_s),
+                 (QStringList{u"/opt/My\u00a0App/run\u2003er\v"_s, u"x"_s, u"y"_s, u"z"_s}));
+    }
+
     void refusesWhatIsNoApplication_data()
     {
         QTest::addColumn<QByteArray>("text");

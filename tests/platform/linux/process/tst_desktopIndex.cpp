@@ -60,6 +60,17 @@ class TestDesktopIndex : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void onlyAbsoluteFoldersAreRead()
+    {
+        const auto before = qgetenv("XDG_DATA_DIRS");
+        qputenv("XDG_DATA_DIRS", "share:/made/up/:../x");
+        const auto places = DesktopPlaces::ofThisUser();
+        qputenv("XDG_DATA_DIRS", before);
+        QCOMPARE(places.dataFolders.value(1), u"/made/up"_s);
+        for (const auto &folder : places.dataFolders + places.programFolders)
+            QVERIFY2(folder.startsWith(u'/'), qPrintable(folder));
+    }
+
     void givesIdsByPath()
     {
         MadeSystem system;
