@@ -6,31 +6,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString messageKey()
-{
-    return u"message"_s;
-}
-QString tasksKey()
-{
-    return u"tasks"_s;
-}
-QString cardsKey()
-{
-    return u"cards"_s;
-}
-QString topicKey()
-{
-    return u"topic"_s;
-}
-QString promptKey()
-{
-    return u"prompt"_s;
-}
-QString answerKey()
-{
-    return u"answer"_s;
-}
-
 AIStudySuggestion englishPack(const QString &topic)
 {
     return {
@@ -79,9 +54,9 @@ std::optional<QJsonArray> arrayOf(const QJsonObject &object, const QString &key)
 
 std::optional<AICardSuggestion> cardFrom(const QJsonObject &object)
 {
-    const auto topic = stringOf(object, topicKey());
-    const auto prompt = stringOf(object, promptKey());
-    const auto answer = stringOf(object, answerKey());
+    const auto topic = stringOf(object, u"topic"_s);
+    const auto prompt = stringOf(object, u"prompt"_s);
+    const auto answer = stringOf(object, u"answer"_s);
     if (!topic || !prompt || !answer)
         return std::nullopt;
     return AICardSuggestion{*topic, *prompt, *answer};
@@ -99,9 +74,9 @@ AIStudySuggestion AIStudySuggestion::fallback(const QString &topic, AppLanguage 
 
 std::optional<AIStudySuggestion> suggestionFrom(const QJsonObject &object)
 {
-    const auto message = stringOf(object, messageKey());
-    const auto tasks = arrayOf(object, tasksKey());
-    const auto cards = arrayOf(object, cardsKey());
+    const auto message = stringOf(object, u"message"_s);
+    const auto tasks = arrayOf(object, u"tasks"_s);
+    const auto cards = arrayOf(object, u"cards"_s);
     if (!message || !tasks || !cards)
         return std::nullopt;
     AIStudySuggestion suggestion{*message, {}, {}};
@@ -117,15 +92,4 @@ std::optional<AIStudySuggestion> suggestionFrom(const QJsonObject &object)
         suggestion.cards.push_back(*std::move(card));
     }
     return suggestion;
-}
-
-QJsonObject toJson(const AIStudySuggestion &suggestion)
-{
-    QJsonArray cards;
-    for (const auto &card : suggestion.cards)
-        cards.append(
-            QJsonObject{{topicKey(), card.topic}, {promptKey(), card.prompt}, {answerKey(), card.answer}});
-    return {{messageKey(), suggestion.message},
-            {tasksKey(), QJsonArray::fromStringList(suggestion.tasks)},
-            {cardsKey(), cards}};
 }

@@ -35,5 +35,3 @@ struct AIStudySuggestion
 /// The suggestion that an object holds; none where a key is missing or has the wrong type. Unknown keys are
 /// passed over.
 std::optional<AIStudySuggestion> suggestionFrom(const QJsonObject &object);
-
-QJsonObject toJson(const AIStudySuggestion &suggestion);

@@ -23,7 +23,7 @@ struct Scene
     std::vector<SurfaceItem *> shapes;
 };
 
-/// Interface thread only.
+/// Of the interface thread, which waits while a shape that is drawn looks here too.
 QHash<const QQuickWindow *, Scene> &scenes()
 {
     static QHash<const QQuickWindow *, Scene> all;

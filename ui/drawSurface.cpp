@@ -8,15 +8,14 @@
 
 namespace {
 
-/// How much a shadow covers along one axis, for each pixel; a blurred box is the product of both axes.
+/// How much a shadow covers along one axis, for each pixel.
 std::vector<float> covered(qsizetype pixels, qreal scale, qreal margin, qreal length, qreal offset,
                            qreal sigma)
 {
     std::vector<float> strengths;
     for (qsizetype pixel = 0; pixel < pixels; ++pixel) {
         const auto place = (qreal(pixel) + 0.5) / scale - margin - offset;
-        strengths.push_back(float(
-            (std::erf(place * M_SQRT1_2 / sigma) - std::erf((place - length) * M_SQRT1_2 / sigma)) / 2));
+        strengths.push_back(blurredSide(place, length, sigma));
     }
     return strengths;
 }

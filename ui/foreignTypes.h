@@ -62,12 +62,10 @@ struct BrowserCoverageForQml
     QML_EXTENDED(BrowserCoverageForQml)
     Q_PROPERTY(QString browser READ browser FINAL)
     Q_PROPERTY(bool connected READ connected FINAL)
-    Q_PROPERTY(bool canWork READ canWork FINAL)
 
 public:
     QString browser() const { return value.browser; }
     bool connected() const { return value.state == BrowserCoverage::State::Connected; }
-    bool canWork() const { return value.state != BrowserCoverage::State::CannotWork; }
 
     BrowserCoverage value; ///< the only member: QML lays this struct over the extended one
 };
@@ -90,7 +88,6 @@ struct StudyCardForQml
     Q_PROPERTY(QString topic READ topic FINAL)
     Q_PROPERTY(bool hasTopic READ hasTopic FINAL)
     Q_PROPERTY(QString prompt READ prompt FINAL)
-    Q_PROPERTY(QString expectedAnswer READ expectedAnswer FINAL)
     Q_PROPERTY(qint64 correctCount READ correctCount FINAL)
     Q_PROPERTY(qint64 wrongCount READ wrongCount FINAL)
 
@@ -98,7 +95,6 @@ public:
     QString topic() const { return value.topic.value_or(QString()); }
     bool hasTopic() const { return !topic().isEmpty(); }
     QString prompt() const { return value.prompt; }
-    QString expectedAnswer() const { return value.expectedAnswer; }
     qint64 correctCount() const { return value.correctCount; }
     qint64 wrongCount() const { return value.wrongCount; }
 

@@ -99,19 +99,13 @@ void addOutline(QVector4D color, qreal width, const std::vector<EdgePoint> &edge
         addBand(first, first + count, count, indices);
 }
 
-/// How much of a blurred side covers a place on it.
-float covered(qreal place, qreal length, qreal sigma)
-{
-    return float((std::erf(place * M_SQRT1_2 / sigma) - std::erf((place - length) * M_SQRT1_2 / sigma)) / 2);
-}
-
 QVector4D shadowAt(const SurfaceShadow &shadow, QSizeF size, QPointF place)
 {
     if (!shadow.isDrawn())
         return {};
     const auto from = place - shadow.offset;
-    return premultiplied(QColor::fromRgba(shadow.color)) * covered(from.x(), size.width(), shadow.sigma) *
-           covered(from.y(), size.height(), shadow.sigma);
+    return premultiplied(QColor::fromRgba(shadow.color)) * blurredSide(from.x(), size.width(), shadow.sigma) *
+           blurredSide(from.y(), size.height(), shadow.sigma);
 }
 
 /// The same edge with more points where straight sides come near a corner, since shadows fade there.

@@ -129,6 +129,11 @@ QVector4D SurfaceFill::at(QPointF place) const
     return part < 0.5f ? mixed(m_start, m_middle, part * 2) : mixed(m_middle, m_end, part * 2 - 1);
 }
 
+float blurredSide(qreal place, qreal length, qreal sigma)
+{
+    return float((std::erf(place * M_SQRT1_2 / sigma) - std::erf((place - length) * M_SQRT1_2 / sigma)) / 2);
+}
+
 QVector4D over(QVector4D top, QVector4D below)
 {
     return top + below * (1 - top.w());

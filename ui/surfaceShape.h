@@ -59,6 +59,10 @@ private:
     QPointF m_direction; ///< the part of the gradient that a pixel to the right and one down are
 };
 
+/// How much of a side of that length, blurred by `sigma`, covers a place along it, 0 to 1. A blurred box is
+/// the product of both of its sides.
+float blurredSide(qreal place, qreal length, qreal sigma);
+
 /// `top` over `below`, both premultiplied.
 QVector4D over(QVector4D top, QVector4D below);
 

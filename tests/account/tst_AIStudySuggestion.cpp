@@ -1,4 +1,5 @@
 #include "AIStudySuggestion.h"
+#include "suggestionJson.h"
 #include "suite.h"
 
 #include <QJsonArray>

@@ -1,5 +1,6 @@
 #include "AIStudySuggestion.h"
 #include "ControllerHarness.h"
+#include "suggestionJson.h"
 #include "suite.h"
 
 #include <QAbstractItemModelTester>

@@ -1,18 +1,13 @@
 // The window without a pointer and without eyes: where the Tab key goes, what shows that it is there, and
 // what assistive tools are told of each thing.
-#include "ControllerHarness.h"
-#include "DesktopSupport.h"
 #include "ProductSection.h"
+#include "RealWindowTest.h"
 #include "accessibleNodes.h"
-#include "retireWindow.h"
-#include "setUpInterface.h"
 #include "suite.h"
 
 #include <QPainter>
 #include <QQmlComponent>
-#include <QQmlEngine>
 #include <QQuickItem>
-#include <QQuickView>
 
 using namespace Qt::StringLiterals;
 
@@ -84,22 +79,11 @@ QQuickItem *frameOf(QQuickItem *item)
 
 } // namespace
 
-class tst_keyboard : public QObject
+class tst_keyboard : public RealWindowTest
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<ControllerHarness> m_harness;
-    std::unique_ptr<DesktopSupport> m_support;
-    std::unique_ptr<QQuickView> m_window;
-
-    QuorvelController &controller() const { return *m_harness->controller; }
-
-    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
-    {
-        QTest::keyClick(m_window.get(), key, modifiers);
-    }
-
     /// One key of a walk, and the frame that follows it, for which a list makes the rows that came in sight.
     void take(Qt::Key step) const
     {
@@ -241,30 +225,8 @@ private Q_SLOTS:
         QAccessible::setActive(true);
     }
 
-    void init()
-    {
-        m_harness = std::make_unique<ControllerHarness>();
-        m_harness->start().continueAsGuest();
-        m_support = std::make_unique<DesktopSupport>();
-        m_window = std::make_unique<QQuickView>();
-        m_window->setTitle(u"Quorvel"_s);
-        setUpInterface(*m_window->engine());
-        m_window->setResizeMode(QQuickView::SizeRootObjectToView);
-        m_window->setInitialProperties({{u"controller"_s, QVariant::fromValue(&controller())},
-                                        {u"desktopSupport"_s, QVariant::fromValue(m_support.get())}});
-        m_window->setSource(QUrl(u"qrc:/qt/qml/Quorvel/Ui/ContentView.qml"_s));
-        m_window->resize(1180, 820);
-        m_window->show();
-        m_window->requestActivate();
-        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
-    }
-
-    void cleanup()
-    {
-        retireWindow(m_window);
-        m_support.reset();
-        m_harness.reset();
-    }
+    void init() { openWindow(); }
+    void cleanup() { closeWindow(); }
 
     void tabWalksEverySection_data()
     {

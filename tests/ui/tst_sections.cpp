@@ -1,16 +1,11 @@
 // The sections of the real window, worked by keys: what the fields show and write, and where the keyboard
 // goes.
-#include "ControllerHarness.h"
-#include "DesktopSupport.h"
+#include "RealWindowTest.h"
 #include "accessibleNodes.h"
-#include "retireWindow.h"
-#include "setUpInterface.h"
 #include "suite.h"
 
 #include <QPointer>
-#include <QQmlEngine>
 #include <QQuickItem>
-#include <QQuickView>
 
 using namespace Qt::StringLiterals;
 
@@ -25,17 +20,11 @@ QString nameOf(const QAccessibleInterface *node)
 
 } // namespace
 
-class tst_sections : public QObject
+class tst_sections : public RealWindowTest
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<ControllerHarness> m_harness;
-    std::unique_ptr<DesktopSupport> m_support;
-    std::unique_ptr<QQuickView> m_window;
-
-    QuorvelController &controller() const { return *m_harness->controller; }
-
     /// Everything of that role and name, as assistive tools find it, also what is scrolled away.
     QList<QQuickItem *> all(QAccessible::Role role, const QString &name) const
     {
@@ -64,11 +53,6 @@ private:
             QTest::keyClick(m_window.get(), letter.toLatin1());
     }
 
-    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
-    {
-        QTest::keyClick(m_window.get(), key, modifiers);
-    }
-
     void fill(const QString &name, const QString &text) const
     {
         auto *input = field(name);
@@ -89,29 +73,8 @@ private:
 private Q_SLOTS:
     void initTestCase() { QQuickWindow::setSceneGraphBackend(u"software"_s); }
 
-    void init()
-    {
-        m_harness = std::make_unique<ControllerHarness>();
-        m_harness->start().continueAsGuest();
-        m_support = std::make_unique<DesktopSupport>();
-        m_window = std::make_unique<QQuickView>();
-        setUpInterface(*m_window->engine());
-        m_window->setResizeMode(QQuickView::SizeRootObjectToView);
-        m_window->setInitialProperties({{u"controller"_s, QVariant::fromValue(&controller())},
-                                        {u"desktopSupport"_s, QVariant::fromValue(m_support.get())}});
-        m_window->setSource(QUrl(u"qrc:/qt/qml/Quorvel/Ui/ContentView.qml"_s));
-        m_window->resize(1180, 820);
-        m_window->show();
-        m_window->requestActivate();
-        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
-    }
-
-    void cleanup()
-    {
-        retireWindow(m_window);
-        m_support.reset();
-        m_harness.reset();
-    }
+    void init() { openWindow(); }
+    void cleanup() { closeWindow(); }
 
     void fieldsFollowWhatIsInForce()
     {

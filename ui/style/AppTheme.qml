@@ -17,7 +17,6 @@ QtObject {
     readonly property color textPrimary: Qt.rgba(1, 1, 1, 0.94)
     readonly property color textMuted: Qt.rgba(1, 1, 1, 0.58)
 
-    readonly property color bgMiddle: Qt.rgba(0.02, 0.018, 0.04, 1)
     readonly property color greenLight: Qt.rgba(0.58, 1, 0.76, 1) ///< end of the primary button's gradient
     readonly property color greenMiddle: Qt.rgba(0.425, 1, 0.66, 1)
     readonly property color textOnGreen: Qt.rgba(0.01, 0.02, 0.02, 1)

@@ -7,8 +7,6 @@ import Quorvel.Ui
 TextEdit {
     id: selectable
 
-    readonly property real halfLeading: 2 ///< what the line grid adds above the text, as BaseText has it
-
     color: AppTheme.textPrimary
     selectionColor: AppTheme.selection
     selectedTextColor: AppTheme.textPrimary
