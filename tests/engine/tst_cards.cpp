@@ -348,6 +348,16 @@ private Q_SLOTS:
         QVERIFY(hasGrown());
     }
 
+    void aRowThatIsGoneIsEmpty()
+    {
+        StudyCardModel model;
+        model.replaceAll({ControllerHarness::card(u"a"_s, u"1"_s)});
+        const auto row = model.index(0);
+        model.replaceAll({});
+        QCOMPARE(model.data(row, StudyCardModel::PromptRole), QVariant());
+        QCOMPARE(model.data(QModelIndex(), StudyCardModel::PromptRole), QVariant());
+    }
+
     void aNewListIsThereWhenItIsAnnounced()
     {
         StudyCardModel model;
@@ -357,6 +367,7 @@ private Q_SLOTS:
         connect(&model, &QAbstractItemModel::modelReset, this, count);
         model.replaceAll({StudyCard(), StudyCard()});
         QCOMPARE(rows, QList<int>({0, 2}));
+        QCOMPARE(model.rowCount(model.index(0)), 0); // a list, no tree
     }
 
     void theListNamesTheRowsThatChange()

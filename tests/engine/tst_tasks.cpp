@@ -302,6 +302,16 @@ private Q_SLOTS:
         QCOMPARE(inserted.size(), 1);
     }
 
+    void aRowThatIsGoneIsEmpty()
+    {
+        StudyTaskModel model;
+        model.replaceAll({StudyTask()});
+        const auto row = model.index(0);
+        model.replaceAll({});
+        QCOMPARE(model.data(row, StudyTaskModel::TitleRole), QVariant());
+        QCOMPARE(model.data(QModelIndex(), StudyTaskModel::TitleRole), QVariant());
+    }
+
     void aNewListIsThereWhenItIsAnnounced()
     {
         StudyTaskModel model;
@@ -311,6 +321,7 @@ private Q_SLOTS:
         connect(&model, &QAbstractItemModel::modelReset, this, count);
         model.replaceAll({StudyTask(), StudyTask()});
         QCOMPARE(rows, QList<int>({0, 2}));
+        QCOMPARE(model.rowCount(model.index(0)), 0); // a list, no tree
     }
 
     void theListNamesTheRowsThatChange()

@@ -36,16 +36,13 @@ private Q_SLOTS:
     {
         // A name that differs by a letter blocks nothing, and what is merged into older settings stays there.
         QCOMPARE(builtInBlockedApps().join(u", "_s),
-                 u"Steam, Discord, Telegram, WhatsApp, Slack, Zoom, Epic Games Launcher, Battle.net, EA app, "
-                 u"Origin, "
-                 "Ubisoft Connect, GOG Galaxy, Riot Client, Roblox, Minecraft, League of Legends, Dota, "
-                 "Counter-Strike, Fortnite, World of Warcraft, Overwatch, Valorant, Genshin Impact, "
-                 "HoYoPlay, osu!, "
-                 "Spotify, Music"_s);
+                 u"Steam, Discord, Telegram, WhatsApp, Slack, Zoom, Epic Games Launcher, Battle.net, "
+                 "EA app, Origin, Ubisoft Connect, GOG Galaxy, Riot Client, Roblox, Minecraft, "
+                 "League of Legends, Dota, Counter-Strike, Fortnite, World of Warcraft, Overwatch, "
+                 "Valorant, Genshin Impact, HoYoPlay, osu!, Spotify, Music"_s);
         QCOMPARE(builtInAllowedStudyApps().join(u", "_s),
                  u"Preview, Books, Safari, Google Chrome, Brave Browser, Microsoft Edge, Arc, Anki, "
-                 u"Obsidian, Notion, "
-                 "Notes, Pages, TextEdit, Finder"_s);
+                 "Obsidian, Notion, Notes, Pages, TextEdit, Finder"_s);
     }
 
     void builtInDomainsAreBareLowerCaseAndDistinct()
