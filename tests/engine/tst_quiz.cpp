@@ -467,6 +467,7 @@ private Q_SLOTS:
         quiz.files.steps.clear();
         const auto feedback = quiz.controller->quizFeedback();
         quiz.answer(u"2"_s);
+        QVERIFY(quiz.controller->hasActiveStudyCard());
         QVERIFY(quiz.controller->activeStudyCard()->id != gone.id);
         QCOMPARE(quiz.controller->activeStudyCard()->wrongCount, 0);
         QCOMPARE(quiz.controller->activeStudyCard()->correctCount, 0);
