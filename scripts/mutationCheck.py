@@ -27,8 +27,9 @@ from dataclasses import dataclass
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
-FOLDERS = ("engine", "study")
-SUITES = ("studyTests", "engineTests")
+# Folder -> the programs of tests that a change in it can be noticed by.
+SUITES = {"engine": ("engineTests",), "study": ("studyTests", "engineTests")}
+ALL_SUITES = sorted({suite for suites in SUITES.values() for suite in suites})
 WITHOUT_EFFECT = ROOT / "scripts/mutations-without-effect.txt"
 WORKPLACE = ROOT / "build/mutation"
 PROCESSORS = os.cpu_count() or 1
@@ -49,13 +50,14 @@ TRUTH = re.compile(r"\b(?:true|false)\b")
 TEXT = re.compile(r'"(?:[^"\\]|\\.)*"|(?<![\da-fA-F])\'(?:[^\'\\]|\\.)\'')
 # A call or an assignment that stands alone on its line.
 STATEMENT = re.compile(r"^( {4,})(?!return\b|break\b|continue\b|Q_|QUORVEL_|[A-Z_]+\()[*+-]*[\w.:<>\[\]-]+(?:\(| [-+*/]?= |\+\+|--|;)[^{}]*$")
-PLAIN_ASSIGNMENT = re.compile(r'^ *([\w.]+) = (?:[\w.:]+(?:\(\))?|u?"[^"]*"_s);$')
+PLAIN_ASSIGNMENT = re.compile(r'^ *([\w.]+) = (?:[\w.:]+(?:\.value\(\))?|Q\w+\(\)|u"[^"]*"_s|text\(u"[^"]*"\));$')
 OUTCOMES = re.compile(r"\? ((?:[^?:]|::)+?) : ((?:[^?:]|::)+?)(?=[;,]|$)")
 # Without blanks, so that no declaration of parameters is among them.
 ARGUMENTS = re.compile(r"(?<=[\w>])\(([^\s(),]+(?:\(\))?), ([^\s(),]+(?:\(\))?)\)")
 FUNCTION = re.compile(r"(?:(?:    )?(?!return\b|else\b)[A-Za-z][\w:<>,&* ]* [*&]?|(?=\w+::))([\w:~]+)\([^;]*$")
 # What is logged is for people who look for a mistake; what Qt's macros and static_assert are given, the compiler checks.
-NO_CODE = re.compile(r"\s*(?:#|qC(?:Debug|Info|Warning|Critical)\(|static_assert\(|Q_[A-Z_]+\b|template\b|QUORVEL_DRAFT\()")
+# For the table of published fields every test of the engine would be compiled again; tst_session has what they begin with.
+NO_CODE = re.compile(r"\s*(?:#|qC(?:Debug|Info|Warning|Critical)\(|static_assert\(|Q_[A-Z_]+\b|template\b|QUORVEL_[A-Z]+\()")
 
 
 @dataclass(frozen=True)
@@ -169,7 +171,7 @@ def changed(text, change):
 
 
 def all_changes(root=ROOT):
-    files = sorted(path.relative_to(root).as_posix() for folder in FOLDERS for path in (root / folder).rglob("*")
+    files = sorted(path.relative_to(root).as_posix() for folder in SUITES for path in (root / folder).rglob("*")
                    if path.suffix in (".cpp", ".h"))
     return [change for file in files for change in changes_of(file, (root / file).read_text(encoding="utf-8"))]
 
@@ -214,15 +216,11 @@ def words_of(name):
     return {word.lower() for word in re.findall(r"[A-Z]?[a-z]+|[A-Z]+(?![a-z])", name.removeprefix("tst_"))}
 
 
-def best_first(tests, file, seconds):
-    """`tests`, those first that are most likely to notice a change of `file`; of the same likelihood, the quick ones."""
-    stem, folder = Path(file).stem, Path(file).parts[0]
-
-    def place(test):
-        suite, name = test
-        return (name.removeprefix("tst_") != stem, -len(words_of(name) & words_of(stem)), not suite.startswith(folder),
-                seconds.get(test, 0))
-    return sorted(tests, key=place)
+def best_first(seconds, file):
+    """Tests, those first that are most likely to notice a change of `file`; of the same likelihood, the quick ones."""
+    stem = Path(file).stem
+    return sorted(seconds, key=lambda test: (test.removeprefix("tst_") != stem, -len(words_of(test) & words_of(stem)),
+                                             seconds[test]))
 
 
 class Copy:
@@ -231,7 +229,7 @@ class Copy:
     def __init__(self, place):
         self.place = place
         self.build = place / "made"
-        self.seconds = {}  # test -> how long it takes
+        self.seconds = {}  # suite -> test -> how long it takes
         self.copy_tree()
         # Users' applications and records are out of reach: engine and study see nothing but what the tests give them, and
         # their folders are here.
@@ -268,41 +266,36 @@ class Copy:
 
     def prepare(self):
         """Builds all as it is."""
-        for words in (["cmake", "-S", self.place, "-B", self.build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug",
-                       "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -g0"], self.make_words(PROCESSORS)):
+        configure = ["cmake", "-S", self.place, "-B", self.build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug",
+                     "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -g0"]
+        for words in (configure, self.make_words(PROCESSORS, *ALL_SUITES)):
             code, said = self.run(words, None)
             if code != 0:
                 sys.exit(said[-4000:])
 
     def measure(self):
         """Runs the tests, which must pass."""
-        for test in self.tests():
-            began = time.monotonic()
-            code, said = self.run(self.test_words(test), LONGEST_BUILD)
-            if code != 0:
-                sys.exit(f"{test[1]} fails without any change:\n{said[-4000:]}")
-            self.seconds[test] = time.monotonic() - began
-
-    def make_words(self, processors):
-        return ["ninja", "-C", self.build, f"-j{processors}", *SUITES]
-
-    def test_words(self, test):
-        return [self.build / "tests" / test[0], test[1]]
-
-    def tests(self):
-        """(suite, test) of each."""
-        for suite in SUITES:
+        for suite in ALL_SUITES:
             _, said = self.run([self.build / "tests" / suite], LONGEST_BUILD)
-            for line in said.splitlines()[1:]:
-                yield suite, line.strip()
+            self.seconds[suite] = {line.strip(): 0 for line in said.splitlines()[1:]}
+            for test in self.seconds[suite]:
+                began = time.monotonic()
+                code, said = self.run([self.build / "tests" / suite, test], LONGEST_BUILD)
+                if code != 0:
+                    sys.exit(f"{test} fails without any change:\n{said[-4000:]}")
+                self.seconds[suite][test] = time.monotonic() - began
 
-    def noticed_by(self, file):
+    def make_words(self, processors, *suites):
+        return ["ninja", "-C", self.build, f"-j{processors}", *suites]
+
+    def noticed_by(self, suite, file):
         """Which test fails first, and how; None where all pass."""
-        for test in best_first(self.seconds, file, self.seconds):
-            code, said = self.run(self.test_words(test), max(LEAST_LIMIT, TIMES_AS_LONG * self.seconds[test]))
+        for test in best_first(self.seconds[suite], file):
+            limit = max(LEAST_LIMIT, TIMES_AS_LONG * self.seconds[suite][test])
+            code, said = self.run([self.build / "tests" / suite, test], limit)
             if code != 0:
                 failure = re.search(r"^(?:FAIL!|QFATAL|XPASS) *: *(?:\w+::)?(\w+)", said, re.MULTILINE)
-                return f"{test[1]} {'does not end' if code is None else failure[1] if failure else f'ends with {code}'}"
+                return f"{test} {'does not end' if code is None else failure[1] if failure else f'ends with {code}'}"
         return None
 
     def verdict_of(self, change):
@@ -311,9 +304,12 @@ class Copy:
         text = path.read_text(encoding="utf-8")
         path.write_text(changed(text, change), encoding="utf-8")
         try:
-            if self.run(self.make_words(1), LONGEST_BUILD)[0] != 0:
-                return "not compiling"
-            return self.noticed_by(change.file) or "survived"
+            for suite in SUITES[change.file.split("/")[0]]:
+                if self.run(self.make_words(1, suite), LONGEST_BUILD)[0] != 0:
+                    return "not compiling"
+                if test := self.noticed_by(suite, change.file):
+                    return test
+            return "survived"
         finally:
             path.write_text(text, encoding="utf-8")
 

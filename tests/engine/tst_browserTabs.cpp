@@ -76,6 +76,18 @@ private Q_SLOTS:
         QCOMPARE(browsing.events().first(), u"Closed 1 blocked browser tab: youtube.com."_s);
     }
 
+    void aHeartbeatClosesApplicationsBeforeTabs()
+    {
+        Browsing browsing;
+        browsing.open(1, 1, u"https://youtube.com/"_s);
+        browsing.controller->lockNow();
+        browsing.seconds(3);
+        browsing.applications.start(u"Steam"_s);
+        browsing.seconds(1);
+        QCOMPARE(browsing.events().mid(0, 2),
+                 QStringList({u"Closed 1 blocked browser tab: youtube.com."_s, u"Closed Steam."_s}));
+    }
+
     void eventNamesTheFirstFourHosts()
     {
         Browsing browsing;

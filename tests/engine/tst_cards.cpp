@@ -4,6 +4,8 @@
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {} // namespace
@@ -328,6 +330,44 @@ private Q_SLOTS:
         QCOMPARE(inserted, (QList<QVariantList>{{QModelIndex(), 0, 4}}));
         atOnce.insertAllFront({});
         QCOMPARE(inserted.size(), 1);
+    }
+
+    void theRevisionGrowsWithEveryChange()
+    {
+        ControllerHarness harness;
+        auto &controller = harness.start();
+        auto before = controller.studyCardsRevision();
+        const auto hasGrown = [&] {
+            return controller.studyCardsRevision() > std::exchange(before, controller.studyCardsRevision());
+        };
+        harness.addCard(u"a"_s, u"1"_s);
+        QVERIFY(hasGrown());
+        harness.answerRightly();
+        QVERIFY(hasGrown());
+        controller.deleteStudyCard(controller.studyCards().front());
+        QVERIFY(hasGrown());
+    }
+
+    void aRowThatIsGoneIsEmpty()
+    {
+        StudyCardModel model;
+        model.replaceAll({ControllerHarness::card(u"a"_s, u"1"_s)});
+        const auto row = model.index(0);
+        model.replaceAll({});
+        QCOMPARE(model.data(row, StudyCardModel::PromptRole), QVariant());
+        QCOMPARE(model.data(QModelIndex(), StudyCardModel::PromptRole), QVariant());
+    }
+
+    void aNewListIsThereWhenItIsAnnounced()
+    {
+        StudyCardModel model;
+        QList<int> rows;
+        const auto count = [&] { rows.append(model.rowCount()); };
+        connect(&model, &QAbstractItemModel::modelAboutToBeReset, this, count);
+        connect(&model, &QAbstractItemModel::modelReset, this, count);
+        model.replaceAll({StudyCard(), StudyCard()});
+        QCOMPARE(rows, QList<int>({0, 2}));
+        QCOMPARE(model.rowCount(model.index(0)), 0); // a list, no tree
     }
 
     void theListNamesTheRowsThatChange()

@@ -56,6 +56,8 @@ private Q_SLOTS:
                  u"server AI suggestions.\n\nAdded 5 tasks and 5 cards."_s);
         QCOMPARE(controller.studyTasks().size(), size_t(5));
         QCOMPARE(controller.studyCards().size(), size_t(5));
+        QCOMPARE(controller.studyTaskCount(), 5);
+        QCOMPARE(controller.studyCardCount(), 5);
         for (const auto &card : controller.studyCards())
             QCOMPARE(card.topic, std::optional(u"your exam topic"_s));
         QCOMPARE(harness.events(), QStringList{u"Local coach added 5 tasks and 5 cards."_s});

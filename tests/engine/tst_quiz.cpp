@@ -465,12 +465,15 @@ private Q_SLOTS:
         // Only the list loses it, as when something else than the delete command took it out.
         quiz.controller->studyCardModel()->removeAllOf(gone.id);
         quiz.files.steps.clear();
+        const auto feedback = quiz.controller->quizFeedback();
         quiz.answer(u"2"_s);
+        QVERIFY(quiz.controller->hasActiveStudyCard());
         QVERIFY(quiz.controller->activeStudyCard()->id != gone.id);
         QCOMPARE(quiz.controller->activeStudyCard()->wrongCount, 0);
         QCOMPARE(quiz.controller->activeStudyCard()->correctCount, 0);
         QVERIFY(quiz.files.steps.empty());
         QCOMPARE(quiz.controller->quizAnswerText(), QString());
+        QCOMPARE(quiz.controller->quizFeedback(), feedback); // nobody asked for another card
     }
 
     void aDeletedCardThatCountedStillCounts()

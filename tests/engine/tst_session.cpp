@@ -46,6 +46,24 @@ private Q_SLOTS:
         QVERIFY(!controller.hasSignedInEmail());
     }
 
+    void everyCountStartsAtZeroAndEverySwitchOff()
+    {
+        ControllerHarness harness;
+        const auto &controller = harness.start();
+        const auto &object = QuorvelController::staticMetaObject;
+        QSet<QByteArray> begun; // with something else, which other tests know
+        for (int index = object.propertyOffset(); index < object.propertyCount(); ++index) {
+            const auto property = object.property(index);
+            const auto value = property.read(&controller);
+            if (property.metaType() == QMetaType::fromType<bool>() && value.toBool())
+                begun.insert(property.name());
+            else if (property.metaType() == QMetaType::fromType<qint64>() && value.toLongLong() != 0)
+                begun.insert(property.name());
+        }
+        QCOMPARE(begun, QSet<QByteArray>({"studyRemaining", "canStartStudy"}));
+        QCOMPARE(controller.sessionProgress(), 0.0);
+    }
+
     void startingWithDefaultsWritesNothing()
     {
         ControllerHarness harness;

@@ -195,6 +195,23 @@ private Q_SLOTS:
         QCOMPARE(StatusTexts::modeName(Mode::BreakTime, english), u"Break"_s);
     }
 
+    void whatIsUnsavedIsNamedWithEachReasonOnce()
+    {
+        const QMap<QString, QString> failed{{u"tasks"_s, u"full"_s},
+                                            {u"settings"_s, u"full"_s},
+                                            {u"progress"_s, u"read-only"_s},
+                                            {u"cards"_s, u"full"_s}};
+        QCOMPARE(
+            StatusTexts::unsaved(failed, english),
+            u"Could not save: cards, progress, settings, tasks (full; read-only). Quorvel keeps what you "
+            "did and tries again with the next change; do not quit before that works."_s);
+        QCOMPARE(
+            StatusTexts::unsaved(failed, russian),
+            u"Не удалось сохранить: карточки, прогресс, настройки, задачи (full; read-only). Quorvel помнит "
+            "всё сделанное и попробует снова при следующем изменении; не выключай его до этого."_s);
+        QCOMPARE(StatusTexts::unsaved({}, russian), QString());
+    }
+
     void derivedFieldsFollowTheState()
     {
         ControllerHarness harness;

@@ -4,6 +4,8 @@
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -129,6 +131,44 @@ private Q_SLOTS:
         QCOMPARE(harness.storedTasks(), controller.studyTasks());
         controller.completeStudyTask(controller.studyTasks().front());
         QCOMPARE(controller.userProgress().totalXP, 6);
+    }
+
+    void reopeningForgetsWhenAndInWhichSessionItWasDone()
+    {
+        ControllerHarness harness;
+        StudyTask task;
+        task.id = QUuid::createUuid();
+        task.title = u"read"_s;
+        task.createdAt = QDateTime(QDate(2026, 9, 1), QTime(8, 0), Qt::UTC);
+        task.sourceCardID = QUuid::createUuid();
+        auto done = task;
+        done.completedAt = task.createdAt.addSecs(60);
+        done.completedSessionID = QUuid::createUuid();
+        harness.storeTasks({done});
+        auto &controller = harness.start();
+        controller.reopenStudyTask(done);
+        QCOMPARE(controller.studyTasks().front(), task);
+        QCOMPARE(harness.storedTasks().front(), task);
+    }
+
+    void theRevisionGrowsWithEveryChange()
+    {
+        ControllerHarness harness;
+        auto &controller = harness.start();
+        auto before = controller.studyTasksRevision();
+        const auto hasGrown = [&] {
+            return controller.studyTasksRevision() > std::exchange(before, controller.studyTasksRevision());
+        };
+        addTask(controller, u"read"_s);
+        QVERIFY(hasGrown());
+        controller.completeStudyTask(controller.studyTasks().front());
+        QVERIFY(hasGrown());
+        controller.reopenStudyTask(controller.studyTasks().front());
+        QVERIFY(hasGrown());
+        controller.deleteStudyTask(controller.studyTasks().front());
+        QVERIFY(hasGrown());
+        controller.clearCompletedTasks();
+        QVERIFY(hasGrown());
     }
 
     void unknownTasksAreNeitherTickedNorReopened()
@@ -260,6 +300,28 @@ private Q_SLOTS:
         QCOMPARE(inserted, (QList<QVariantList>{{QModelIndex(), 0, 4}}));
         atOnce.insertAllFront({});
         QCOMPARE(inserted.size(), 1);
+    }
+
+    void aRowThatIsGoneIsEmpty()
+    {
+        StudyTaskModel model;
+        model.replaceAll({StudyTask()});
+        const auto row = model.index(0);
+        model.replaceAll({});
+        QCOMPARE(model.data(row, StudyTaskModel::TitleRole), QVariant());
+        QCOMPARE(model.data(QModelIndex(), StudyTaskModel::TitleRole), QVariant());
+    }
+
+    void aNewListIsThereWhenItIsAnnounced()
+    {
+        StudyTaskModel model;
+        QList<int> rows;
+        const auto count = [&] { rows.append(model.rowCount()); };
+        connect(&model, &QAbstractItemModel::modelAboutToBeReset, this, count);
+        connect(&model, &QAbstractItemModel::modelReset, this, count);
+        model.replaceAll({StudyTask(), StudyTask()});
+        QCOMPARE(rows, QList<int>({0, 2}));
+        QCOMPARE(model.rowCount(model.index(0)), 0); // a list, no tree
     }
 
     void theListNamesTheRowsThatChange()

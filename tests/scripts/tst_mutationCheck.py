@@ -26,7 +26,7 @@ class Changes(unittest.TestCase):
         self.assertEqual(["return a == b;"], lines_of("operator", "    return a != b;"))
 
     def test_what_only_looks_like_an_operator_stays(self):
-        for line in ["    std::vector<QString> all;", "    bits >>= 4;", "    const QString &name = f(-1, *here, &there);",
+        for line in ["    std::vector<QString> all;", "    bits >>= 4;", "    bits <<= 4;", "    return a <=> b;", "    const QString &name = f(-1, *here, &there);",
                      "    take(Card &&card);", "    auto operator<=>(const Day &) const = default;", "    return to->name;"]:
             with self.subTest(line=line):
                 self.assertEqual([], lines_of("operator", line))
@@ -61,6 +61,8 @@ class Changes(unittest.TestCase):
 
     def test_assignments_change_places_only_where_one_needs_the_other(self):
         self.assertEqual([], lines_of("order", "    a = QString();", "    b = 0;"))
+        self.assertEqual([], lines_of("order", '    status = text(u"locked");', "    mode = Mode::Locked;"))
+        self.assertEqual(["b = next(); | a = 0;"], lines_of("order", "    a = 0;", "    b = next();"))
         self.assertEqual(["b = a; | a = 0;"], lines_of("order", "    a = 0;", "    b = a;"))
 
     def test_arguments_and_outcomes_change_places(self):
@@ -89,6 +91,8 @@ class Drawing(unittest.TestCase):
     def test_gives_each_file_its_share_and_each_line_one_turn(self):
         files = drawn(self.changes(), 10, 1)
         self.assertEqual({"engine/long.cpp": 8, "study/short.cpp": 2}, {file: number for file, (number, _) in files.items()})
+        self.assertEqual({"engine/long.cpp": 6, "study/short.cpp": 1},
+                         {file: number for file, (number, _) in drawn(self.changes(), 7, 1).items()})
         for _, changes in files.values():
             self.assertEqual(1, max(Counter(change.first for change in changes).values()))
 
@@ -104,12 +108,11 @@ class Drawing(unittest.TestCase):
 
 
 class Tests(unittest.TestCase):
-    def test_those_of_the_same_name_come_first_then_of_the_same_folder_then_the_quick_ones(self):
-        tests = [("engineTests", "tst_session"), ("engineTests", "tst_statusTexts"), ("studyTests", "tst_RollingCopies"),
-                 ("engineTests", "tst_tasks"), ("studyTests", "tst_copyThinning")]
-        seconds = {tests[0]: 3, tests[1]: 2, tests[2]: 1, tests[3]: 1, tests[4]: 2}
-        self.assertEqual(["tst_copyThinning", "tst_RollingCopies", "tst_tasks", "tst_statusTexts", "tst_session"],
-                         [name for _, name in mutationCheck.best_first(tests, "study/copyThinning.cpp", seconds)])
+    def test_those_of_the_same_name_come_first_then_the_quick_ones(self):
+        seconds = {"tst_session": 3, "tst_RollingCopies": 4, "tst_tasks": 1, "tst_copyThinning": 5, "tst_thinningOneCopy": 1}
+        self.assertEqual(["tst_copyThinning", "tst_thinningOneCopy", "tst_tasks", "tst_session", "tst_RollingCopies"],
+                         mutationCheck.best_first(seconds, "study/copyThinning.cpp"))
+        self.assertEqual("tst_RollingCopies", mutationCheck.best_first(seconds, "study/CopiesOfRecords.cpp")[0])
 
 
 class WithoutEffect(unittest.TestCase):

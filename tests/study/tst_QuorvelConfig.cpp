@@ -32,6 +32,19 @@ private Q_SLOTS:
         QCOMPARE(config.blocklistPresetVersion, 2);
     }
 
+    void builtInApplicationsAreTheseInThisOrder()
+    {
+        // A name that differs by a letter blocks nothing, and what is merged into older settings stays there.
+        QCOMPARE(builtInBlockedApps().join(u", "_s),
+                 u"Steam, Discord, Telegram, WhatsApp, Slack, Zoom, Epic Games Launcher, Battle.net, "
+                 "EA app, Origin, Ubisoft Connect, GOG Galaxy, Riot Client, Roblox, Minecraft, "
+                 "League of Legends, Dota, Counter-Strike, Fortnite, World of Warcraft, Overwatch, "
+                 "Valorant, Genshin Impact, HoYoPlay, osu!, Spotify, Music"_s);
+        QCOMPARE(builtInAllowedStudyApps().join(u", "_s),
+                 u"Preview, Books, Safari, Google Chrome, Brave Browser, Microsoft Edge, Arc, Anki, "
+                 "Obsidian, Notion, Notes, Pages, TextEdit, Finder"_s);
+    }
+
     void builtInDomainsAreBareLowerCaseAndDistinct()
     {
         static const QRegularExpression registrable(u"^[a-z0-9-]+\\.[a-z]{2,}$"_s);
