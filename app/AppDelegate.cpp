@@ -13,6 +13,8 @@
 #include <QScreen>
 #include <QSystemTrayIcon>
 
+#include <malloc.h>
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
@@ -63,6 +65,9 @@ bool AppDelegate::createWindow()
     setUpInterface(*m_window->engine());
     connect(m_window->engine(), &QQmlEngine::quit, this, &AppDelegate::quit);
     m_window->setColor(QColor(9, 10, 18)); // what shows before the first frame
+    m_window->setPersistentSceneGraph(false);
+    m_window->setPersistentGraphics(false);
+    connect(m_window.get(), &QWindow::visibilityChanged, this, &AppDelegate::giveMemoryBackWhileHidden);
     m_window->setTitle(u"Quorvel"_s);
     m_window->setResizeMode(QQuickView::SizeRootObjectToView);
     m_window->setMinimumSize(smallestWindow);
@@ -132,6 +137,18 @@ void AppDelegate::showWindow()
         m_window->show();
     m_window->raise();
     m_window->requestActivate();
+}
+
+void AppDelegate::giveMemoryBackWhileHidden(QWindow::Visibility visibility)
+{
+    if (visibility != QWindow::Hidden)
+        return;
+    m_window->releaseResources();
+    // Once what the frames needed has gone; the allocator would keep its pages for the next ones.
+    QTimer::singleShot(1s, this, [this] {
+        if (!m_window->isVisible())
+            malloc_trim(0);
+    });
 }
 
 void AppDelegate::startStudyFromMenu()

@@ -8,6 +8,7 @@
 
 #include <QObject>
 #include <QTimer>
+#include <QWindow>
 
 #include <memory>
 
@@ -50,6 +51,7 @@ private:
     void updateDesktopSupport();
     void followMotionPreference();
     void followStatusPlace();
+    void giveMemoryBackWhileHidden(QWindow::Visibility visibility);
 
     PlatformAdapters m_adapters;
     QuorvelController m_controller;

@@ -223,6 +223,17 @@ Json bareWindow()
     return startOf(std::move(*plainWindow("import QtQuick\nItem {}")));
 }
 
+/// The same after it was seen and hidden, until the program is ended from outside.
+[[noreturn]] void bareAndHidden()
+{
+    const auto window = plainWindow("import QtQuick\nItem {}");
+    Frames frames(*window);
+    frames.await([&] { window->show(); });
+    window->hide();
+    while (true)
+        idle(std::chrono::hours(1));
+}
+
 /// Processor time and frames of each change, after the first few.
 Json costOf(QQuickWindow &window, int changes, const std::function<void()> &change,
             std::chrono::milliseconds rest)
@@ -402,7 +413,7 @@ Json showScene(const std::string &scene, double rowHeight)
     char *words[] = {name, nullptr};
     int count = 1;
     const QGuiApplication application(count, words);
-    if (scene != "bare" && scene != "bareInSoftware" && scene != "label" && scene != "list")
+    if (scene != "bare" && scene != "bareInSoftware" && scene != "bareAndHidden" && scene != "label" && scene != "list")
         setUpDrawing(); // the others are Qt Quick as it comes
     if (scene == "full")
         return startOf(RealWindow(12, 5).window);
@@ -412,6 +423,8 @@ Json showScene(const std::string &scene, double rowHeight)
         return bareWindow();
     if (scene == "ticks" || scene == "counting")
         return ticks(scene == "counting");
+    if (scene == "bareAndHidden")
+        bareAndHidden();
     if (scene == "label")
         return label();
     if (scene == "hidden")

@@ -9,7 +9,8 @@ import sys
 import time
 from pathlib import Path
 
-import load
+import load  # makes the modules beside it known
+from figures import figure, write_figures
 from coachStub import KEY, MODEL, CoachStub
 from service import Service
 
@@ -74,12 +75,12 @@ def main(output):
             process = service.instances[0].process.pid
             before, meanwhile, memory_before, memory = asyncio.run(
                 wait_together(service.address[1], process, stub, tokens))
-    load.write_figures(output, [
-        load.figure(f"memory with {CALLS} coach calls under way", memory / MOST_MEMORY, "times", f"{MOST_MEMORY} MB", 1.0),
-        load.figure("the same", memory, "MB", "nothing"),
-        load.figure("memory without them", memory_before, "MB", "nothing"),
-        load.figure("another request meanwhile", meanwhile / before, "times", "the same request with no coach call under way"),
-        load.figure("the same", meanwhile * 1e3, "ms", "nothing"),
+    write_figures(output, [
+        figure(f"memory with {CALLS} coach calls under way", memory / MOST_MEMORY, "times", f"{MOST_MEMORY} MB", 1.0),
+        figure("the same", memory, "MB", "nothing"),
+        figure("memory without them", memory_before, "MB", "nothing"),
+        figure("another request meanwhile", meanwhile / before, "times", "the same request with no coach call under way"),
+        figure("the same", meanwhile * 1e3, "ms", "nothing"),
     ])
 
 

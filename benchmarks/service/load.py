@@ -1,4 +1,4 @@
-"""What the benchmarks of the service share: many sessions, nginx beside it, a load, and figures as ./bench wants them."""
+"""What the benchmarks of the service share: many sessions, nginx beside it, and a load."""
 
 import base64
 import contextlib
@@ -16,7 +16,7 @@ import time
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
-sys.path[:0] = [str(HERE.parents[1] / "tests/server/service"), str(HERE.parents[1] / "tests/server/postgresql")]
+sys.path[:0] = [str(HERE.parent), *(str(HERE.parents[1] / "tests/server" / name) for name in ("service", "postgresql"))]
 
 SERVER_CORE, LOAD_CORE = "0", "1"
 LINE = re.compile(r"99%\s+([0-9.]+)(us|ms|s)")
@@ -108,13 +108,3 @@ def load(address, path, tokens_file, connections, seconds):
     if FAILED.search(said) or not rate or not slow:
         raise RuntimeError(f"the load did not go as it should:\n{said}")
     return float(rate[1]), float(slow[1]) * SECONDS[slow[2]]
-
-
-def figure(name, value, unit, against, limit=None, at_least=False):
-    """One line of the table; a limit is the most that the value may be, or the least."""
-    holds = None if limit is None else (value >= limit if at_least else value <= limit)
-    return {"name": name, "value": value, "unit": unit, "against": against, "limit": limit, "holds": holds}
-
-
-def write_figures(path, figures):
-    Path(path).write_text(json.dumps(figures), encoding="utf-8")

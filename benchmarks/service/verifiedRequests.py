@@ -9,7 +9,8 @@ import sys
 import tempfile
 from pathlib import Path
 
-import load
+import load  # makes the modules beside it known
+from figures import figure, write_figures
 from postgresqlCluster import Cluster
 from service import Service
 
@@ -57,15 +58,15 @@ def main(output):
         measured = measure(addresses, tokens_file)
 
     constant_rate, constant_slow = measured["nginx"]
-    figures = [load.figure("nginx with a constant answer", constant_rate, "requests/s", "nothing")]
+    figures = [figure("nginx with a constant answer", constant_rate, "requests/s", "nothing")]
     for name, least in {"SQLite": 0.10, "PostgreSQL": 0.07}.items():
         rate, slow = measured[name]
         against = "nginx with a constant answer, both on one core"
-        figures.append(load.figure(f"verified requests on {name}", rate / constant_rate, "times", against, least, at_least=True))
-        figures.append(load.figure("the same", rate, "requests/s", f"{CONNECTIONS} connections, {SESSIONS} sessions"))
-        figures.append(load.figure("its 99th percentile", slow / constant_slow, "times", against))
-        figures.append(load.figure("the same", slow * 1e3, "ms", "nothing"))
-    load.write_figures(output, figures)
+        figures.append(figure(f"verified requests on {name}", rate / constant_rate, "times", against, least, at_least=True))
+        figures.append(figure("the same", rate, "requests/s", f"{CONNECTIONS} connections, {SESSIONS} sessions"))
+        figures.append(figure("its 99th percentile", slow / constant_slow, "times", against))
+        figures.append(figure("the same", slow * 1e3, "ms", "nothing"))
+    write_figures(output, figures)
 
 
 if __name__ == "__main__":
