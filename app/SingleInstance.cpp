@@ -15,6 +15,7 @@
 #include <sys/file.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -25,6 +26,9 @@ namespace {
 
 /// How often a later start looks again while the first one is still starting or already ending.
 constexpr auto retryPause = 30ms;
+
+/// How soon it listens again after it could not take a caller; well within a caller's patience.
+constexpr auto listenAgainAfter = 1s;
 
 /// A caller that says nothing for so long is dropped.
 constexpr auto silence = 3s;
@@ -50,6 +54,8 @@ SingleInstance::SingleInstance(const QByteArray &folder, QObject *parent)
         while (auto *socket = m_server.nextPendingConnection())
             receive(socket);
     });
+    m_listenAgain.setInterval(listenAgainAfter);
+    connect(&m_listenAgain, &QTimer::timeout, this, &SingleInstance::listenAgain);
 }
 
 SingleInstance::~SingleInstance()
@@ -85,7 +91,21 @@ Result<> SingleInstance::listen()
     QLocalServer::removeServer(path); // we hold the lock, so it is a dead program's
     if (!m_server.listen(path))
         return Failure{u"Cannot listen at \"%1\": %2"_s.arg(path, m_server.errorString())};
+    m_listenAgain.start();
     return Done{};
+}
+
+/// Qt closes the server for good where a single connection could not be taken, as while no file can be
+/// opened, and tells nobody.
+void SingleInstance::listenAgain()
+{
+    if (m_server.isListening())
+        return;
+    if (!std::exchange(m_isDeaf, true))
+        qCWarning(lcInstance).noquote() << "later starts are not heard any more:" << m_server.errorString();
+    m_isDeaf = !listen();
+    if (!m_isDeaf)
+        qCWarning(lcInstance) << "later starts are heard again";
 }
 
 void SingleInstance::receive(QLocalSocket *socket)

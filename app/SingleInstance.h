@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QLocalServer>
 #include <QObject>
+#include <QTimer>
 
 #include <chrono>
 
@@ -46,12 +47,15 @@ Q_SIGNALS:
     void startedAgain(const QStringList &arguments);
 
 private:
+    void listenAgain();
     void receive(QLocalSocket *socket);
     void takeBytes(QLocalSocket *socket);
 
     QByteArray m_lockPath;
     QByteArray m_socketPath;
     QLocalServer m_server;
+    QTimer m_listenAgain;
+    bool m_isDeaf = false; ///< Qt closed the server
     int m_lock = -1;
     int m_callers = 0;
 };

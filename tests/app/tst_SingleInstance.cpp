@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QLocalSocket>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -16,6 +17,7 @@
 #include <memory>
 #include <signal.h>
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -267,6 +269,28 @@ private Q_SLOTS:
         const auto said = QString::fromUtf8(start.process.readAllStandardError());
         QVERIFY2(said.startsWith(u"Cannot open \""_s), qPrintable(said));
         QVERIFY2(said.contains(u"\nНе удаётся открыть «"_s), qPrintable(said));
+    }
+
+    void aCallerThatCouldNotBeTakenIsNotTheLast()
+    {
+        Start first(m_runtime->path());
+        QCOMPARE(first.line(), u"first"_s);
+        const auto id = pid_t(first.process.processId());
+        rlimit before{};
+        QCOMPARE(prlimit(id, RLIMIT_NOFILE, nullptr, &before), 0);
+        rlim_t next = 0; // the lowest number that is free
+        while (QFileInfo(u"/proc/%1/fd/%2"_s.arg(id).arg(next)).isSymLink())
+            ++next;
+        const rlimit none{next, before.rlim_max};
+        QCOMPARE(prlimit(id, RLIMIT_NOFILE, &none, nullptr), 0);
+        QLocalSocket caller;
+        caller.connectToServer(m_runtime->filePath(u"quorvel/socket"_s));
+        TRY_VERIFY(!QFile::exists(m_runtime->filePath(u"quorvel/socket"_s))); // it listens no more
+        QCOMPARE(prlimit(id, RLIMIT_NOFILE, &before, nullptr), 0);
+        Start second(m_runtime->path());
+        QCOMPARE(second.line(), u"handed over"_s);
+        QCOMPARE(first.line(), u"again"_s);
+        QVERIFY(first.process.readAllStandardError().contains("heard again"));
     }
 
     void callersBeyondTheBoundAreTurnedAway()

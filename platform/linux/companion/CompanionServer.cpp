@@ -63,7 +63,8 @@ public:
 };
 
 CompanionServer::CompanionServer(const QByteArray &folder, const QString &processes,
-                                 std::chrono::milliseconds patience, QObject *parent)
+                                 std::chrono::milliseconds patience,
+                                 std::chrono::milliseconds listenAgainAfter, QObject *parent)
     : QObject(parent)
     , m_path(QFile::decodeName(folder) + u'/' + QLatin1StringView(companionSocketName))
     , m_processes(processes)
@@ -75,6 +76,8 @@ CompanionServer::CompanionServer(const QByteArray &folder, const QString &proces
         while (auto *socket = m_server.nextPendingConnection())
             take(socket);
     });
+    m_listenAgain.setInterval(listenAgainAfter);
+    connect(&m_listenAgain, &QTimer::timeout, this, &CompanionServer::listenAgain);
 }
 
 CompanionServer::~CompanionServer()
@@ -87,7 +90,20 @@ Result<> CompanionServer::listen()
     QLocalServer::removeServer(m_path);
     if (!m_server.listen(m_path))
         return Failure{m_server.errorString()};
+    m_listenAgain.start();
     return Done{};
+}
+
+/// Qt closes the server for good where a single connection could not be taken, and tells nobody.
+void CompanionServer::listenAgain()
+{
+    if (m_server.isListening())
+        return;
+    if (!std::exchange(m_isDeaf, true))
+        qCWarning(lcCompanion).noquote() << "browsers cannot connect any more:" << m_server.errorString();
+    m_isDeaf = !listen();
+    if (!m_isDeaf)
+        qCWarning(lcCompanion) << "browsers can connect again";
 }
 
 std::vector<CompanionServer::Source> CompanionServer::sources(const QString &browser) const

@@ -9,6 +9,7 @@
 #include <QLocalServer>
 #include <QObject>
 #include <QSet>
+#include <QTimer>
 
 #include <chrono>
 #include <memory>
@@ -32,8 +33,11 @@ public:
 
     /// `folder` is the program's private folder, in the file system's encoding. `processes` is where the
     /// system shows its processes. A peer that has not told its windows after `patience` is dropped.
+    /// Where the system was too short of files to take a connection, it listens again after
+    /// `listenAgainAfter`.
     explicit CompanionServer(const QByteArray &folder, const QString &processes = QStringLiteral("/proc"),
                              std::chrono::milliseconds patience = std::chrono::seconds(30),
+                             std::chrono::milliseconds listenAgainAfter = std::chrono::seconds(5),
                              QObject *parent = nullptr);
     ~CompanionServer() override;
 
@@ -66,6 +70,7 @@ public:
     void close(quint64 connection, const std::vector<CompanionTab> &tabs);
 
 private:
+    void listenAgain();
     void take(QLocalSocket *socket);
     void takeBytes(CompanionPeer &peer);
     bool takeMessage(CompanionPeer &peer, std::string_view text);
@@ -79,6 +84,8 @@ private:
     ProcFiles m_processes;
     std::chrono::milliseconds m_patience;
     QLocalServer m_server;
+    QTimer m_listenAgain;
+    bool m_isDeaf = false;                               ///< Qt closed the server
     std::vector<std::unique_ptr<CompanionPeer>> m_peers; ///< in the order of connecting
     quint64 m_lastNumber = 0;
     quint64 m_lastClaim = 0;

@@ -90,8 +90,10 @@ public:
     static constexpr char chromium[] = "/usr/lib/chromium/chromium";
     static constexpr char firefox[] = "/usr/lib/firefox-esr/firefox-esr";
 
-    explicit CompanionStage(std::chrono::milliseconds patience = std::chrono::seconds(30))
-        : server(QFile::encodeName(m_folder.path()), m_system.path(QStringLiteral("proc")), patience)
+    explicit CompanionStage(std::chrono::milliseconds patience = std::chrono::seconds(30),
+                            std::chrono::milliseconds listenAgainAfter = std::chrono::seconds(5))
+        : server(QFile::encodeName(m_folder.path()), m_system.path(QStringLiteral("proc")), patience,
+                 listenAgainAfter)
     {
         if (!server.listen().ok())
             qFatal("the test's server cannot listen");

@@ -1,4 +1,6 @@
 #include "CompanionStage.h"
+#include "FileHandle.h"
+#include "NoMoreFiles.h"
 #include "keptWarnings.h"
 #include "suite.h"
 
@@ -165,6 +167,27 @@ private Q_SLOTS:
         QTRY_VERIFY(silent->isClosed());
         QCOMPARE(m_warnings.texts().size(), 1);
         QVERIFY(!teller->isClosed());
+    }
+
+    void aConnectionThatCouldNotBeTakenIsNotTheLast()
+    {
+        CompanionStage stage(std::chrono::seconds(30), std::chrono::milliseconds(1));
+        const auto teller = stage.connectAndTell(CompanionStage::firefox, oneWindow);
+        const FileHandle late(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        qstrncpy(address.sun_path, QFile::encodeName(stage.socketPath()).constData(),
+                 sizeof address.sun_path);
+        {
+            const NoMoreFiles full;
+            QCOMPARE(::connect(late.descriptor(), reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+            QTRY_VERIFY(!stage.server.listening());
+        }
+        QTRY_VERIFY(stage.server.listening());
+        const auto next = stage.connect();
+        QVERIFY(next->next()["type"] == "welcome");
+        QVERIFY2(!teller->isClosed(), "those that were there stay");
+        QVERIFY(m_warnings.texts().value(0).contains(u"cannot connect any more"_s));
     }
 
     void oneConnectionTooManyIsTurnedAway()

@@ -1,42 +1,20 @@
 #pragma once
 
 #include "ApplicationTable.h"
+#include "NoMoreFiles.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 /// The bytes of an environment that holds these variables.
 inline QByteArray environmentOf(const QList<QByteArray> &variables)
 {
     return variables.join('\0') + '\0';
 }
-
-/// As long as it lives this program cannot open a file, as if its table of open files were full.
-class NoMoreFiles
-{
-public:
-    NoMoreFiles()
-    {
-        getrlimit(RLIMIT_NOFILE, &m_before);
-        const int next = fcntl(0, F_DUPFD_CLOEXEC, 0); // the lowest number that is free
-        close(next);
-        auto limit = m_before;
-        limit.rlim_cur = rlim_t(next);
-        setrlimit(RLIMIT_NOFILE, &limit);
-    }
-    ~NoMoreFiles() { setrlimit(RLIMIT_NOFILE, &m_before); }
-    Q_DISABLE_COPY_MOVE(NoMoreFiles)
-
-private:
-    rlimit m_before{};
-};
 
 /// A system of plain files in a temporary folder: programs, desktop entries and a /proc.
 class MadeSystem

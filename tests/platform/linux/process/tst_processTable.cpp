@@ -255,6 +255,34 @@ private Q_SLOTS:
         QTRY_COMPARE(sleeper.state(), QProcess::NotRunning);
         QVERIFY(!table.signal(key, SIGKILL));
     }
+    void signalsWhomItHoldsWhileNoFileCanBeOpened()
+    {
+        QProcess held;
+        QProcess other;
+        for (auto *sleeper : {&held, &other}) {
+            sleeper->start(u"sleep"_s, {u"60"_s});
+            QVERIFY(sleeper->waitForStarted());
+        }
+        ProcessTable table(u"/proc"_s, geteuid());
+        table.refresh(timeSinceBoot());
+        const auto keyOf = [&](const QProcess &process) {
+            const auto id = qint32(process.processId());
+            return ProcessKey{id, table.process(id)->state.startTime};
+        };
+        const auto heldKey = keyOf(held);
+        const auto otherKey = keyOf(other);
+        table.watch({heldKey});
+        {
+            const NoMoreFiles full;
+            QVERIFY2(!table.signal(otherKey, SIGKILL), "nobody is signalled by the number alone");
+            table.watch({heldKey, otherKey}); // the one that is held stays so
+            QVERIFY(table.signal(heldKey, SIGKILL));
+        }
+        QVERIFY(held.waitForFinished());
+        QCOMPARE(other.state(), QProcess::Running);
+        QVERIFY(table.signal(otherKey, SIGKILL));
+        QVERIFY(other.waitForFinished());
+    }
     void neverTouchesThroughAPicture()
     {
         QProcess sleeper;
