@@ -8,7 +8,7 @@ struct SurfaceShadow
 {
     QRgb color = 0;
     qreal sigma = 0; ///< of the Gaussian, in logical pixels
-    QPointF offset; ///< in logical pixels
+    QPointF offset;  ///< in logical pixels
 
     bool isDrawn() const { return sigma > 0 && qAlpha(color) > 0; }
     /// How far beyond the shape it changes a pixel, in logical pixels.
