@@ -49,7 +49,8 @@ NUMBER = re.compile(r"(?<![\w.'])(?:0[xX][\da-fA-F']+|\d[\d']*(?:\.\d+)?)(?![.']
 TRUTH = re.compile(r"\b(?:true|false)\b")
 TEXT = re.compile(r'"(?:[^"\\]|\\.)*"|(?<![\da-fA-F])\'(?:[^\'\\]|\\.)\'')
 # A call or an assignment that stands alone on its line.
-STATEMENT = re.compile(r"^( {4,})(?!return\b|break\b|continue\b|Q_|QUORVEL_|[A-Z_]+\()[*+-]*[\w.:<>\[\]-]+(?:\(| [-+*/]?= |\+\+|--|;)[^{}]*$")
+STATEMENT = re.compile(r"^( {4,})(?!return\b|break\b|continue\b|Q_|QUORVEL_|[A-Z_]+\()"
+                       r"[*+-]*[\w.:<>\[\]-]+(?:\(| [-+*/]?= |\+\+|--|;)[^{}]*$")
 PLAIN_ASSIGNMENT = re.compile(r'^ *([\w.]+) = (?:[\w.:]+(?:\.value\(\))?|Q\w+\(\)|u"[^"]*"_s|text\(u"[^"]*"\));$')
 OUTCOMES = re.compile(r"\? ((?:[^?:]|::)+?) : ((?:[^?:]|::)+?)(?=[;,]|$)")
 # Without blanks, so that no declaration of parameters is among them.
@@ -257,9 +258,9 @@ class Copy:
         shutil.rmtree(self.private, ignore_errors=True)
         self.private.mkdir(parents=True)
         try:
-            ended = subprocess.run([str(word) for word in words], cwd=self.place, env=self.environment, stdin=subprocess.DEVNULL,
-                                   stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, errors="replace",
-                                   timeout=seconds, check=False)
+            ended = subprocess.run([str(word) for word in words], cwd=self.place, env=self.environment, check=False,
+                                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+                                   errors="replace", timeout=seconds)
         except subprocess.TimeoutExpired:
             return None, ""
         return ended.returncode, ended.stdout
@@ -345,9 +346,9 @@ class Tally:
         return [change for change, verdict in self.verdicts.items() if verdict == "survived"]
 
     def sentence(self):
-        names = {"survived": "survived", "not compiling": "not compiling"}
-        counts = Counter(names.get(verdict, "noticed") for verdict in self.verdicts.values())
-        return ", ".join(f"{counts[name]} {name}" for name in ("noticed", "survived", "not compiling"))
+        others = ("survived", "not compiling")
+        counts = Counter(verdict if verdict in others else "noticed" for verdict in self.verdicts.values())
+        return ", ".join(f"{counts[name]} {name}" for name in ("noticed", *others))
 
 
 def work(copy, tally):

@@ -26,8 +26,9 @@ class Changes(unittest.TestCase):
         self.assertEqual(["return a == b;"], lines_of("operator", "    return a != b;"))
 
     def test_what_only_looks_like_an_operator_stays(self):
-        for line in ["    std::vector<QString> all;", "    bits >>= 4;", "    bits <<= 4;", "    return a <=> b;", "    const QString &name = f(-1, *here, &there);",
-                     "    take(Card &&card);", "    auto operator<=>(const Day &) const = default;", "    return to->name;"]:
+        for line in ["    std::vector<QString> all;", "    bits >>= 4;", "    bits <<= 4;", "    return a <=> b;",
+                     "    const QString &name = f(-1, *here, &there);", "    take(Card &&card);",
+                     "    auto operator<=>(const Day &) const = default;", "    return to->name;"]:
             with self.subTest(line=line):
                 self.assertEqual([], lines_of("operator", line))
 
@@ -44,7 +45,8 @@ class Changes(unittest.TestCase):
         self.assertEqual(["split(u'}');"], lines_of("constant", "    split(u'|');"))
 
     def test_what_nobody_sees_stays(self):
-        for line in ["// 10 < 20", "    f(); // 10 < 20", '#include "a1.h"', '    qCWarning(log, "%d of 3",', "    static_assert(2 < 3);",
+        for line in ["// 10 < 20", "    f(); // 10 < 20", '#include "a1.h"', '    qCWarning(log, "%d of 3",',
+                     "    static_assert(2 < 3);",
                      "    name10 = other;", '    parse("1 < 2");', '    total = checkedAdd(total, more, "total");']:
             with self.subTest(line=line):
                 self.assertEqual([], lines_of("operator", line) + lines_of("constant", line))
@@ -68,7 +70,8 @@ class Changes(unittest.TestCase):
     def test_arguments_and_outcomes_change_places(self):
         self.assertEqual(["inBoth(russian, english);"], lines_of("order", "    inBoth(english, russian);"))
         self.assertEqual([], lines_of("order", "void f(int a, int b)", "    f(a, a);"))
-        self.assertEqual(["return a ? Mode::Locked : Mode::Ready;"], lines_of("order", "    return a ? Mode::Ready : Mode::Locked;"))
+        self.assertEqual(["return a ? Mode::Locked : Mode::Ready;"],
+                         lines_of("order", "    return a ? Mode::Ready : Mode::Locked;"))
 
     def test_a_change_is_named_by_its_function_and_put_where_it_belongs(self):
         text = "int Card::age(int day)\n{\n    count();\n    return day + 1;\n}\n"
