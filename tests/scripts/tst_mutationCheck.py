@@ -1,6 +1,8 @@
 #!/usr/bin/env python3
 """Which changes the mutation check makes of a text, which of them it tries, and by which tests first."""
 
+import contextlib
+import io
 import sys
 import unittest
 from collections import Counter
@@ -108,6 +110,23 @@ class Drawing(unittest.TestCase):
                  if change in before]
         self.assertEqual([change for change in before if change.kind == "operator"],
                          [change for change in after if change.kind == "operator"])
+
+
+class Tallying(unittest.TestCase):
+    def test_what_does_not_compile_is_replaced_and_what_survives_is_named(self):
+        text = "".join(f"    wait({number});\n" for number in range(1, 5))
+        first, second, third, spare = (change for change in changes_of("study/a.cpp", text) if change.kind == "constant")
+        tally = mutationCheck.Tally({"study/a.cpp": (2, [first, second, third, spare])})
+        with contextlib.redirect_stdout(io.StringIO()) as said:
+            self.assertEqual([first, second, None], [tally.next(), tally.next(), tally.next()])
+            tally.note(first, "not compiling", 1)
+            self.assertEqual([third, None], [tally.next(), tally.next()])
+            tally.note(second, "tst_a waits", 1)
+            tally.note(third, "survived", 1)
+        self.assertIn("survived: study/a.cpp:3 : wait(3);  =>  wait(4);", said.getvalue())
+        self.assertEqual([third], tally.survivors())
+        self.assertEqual("1 noticed, 1 survived, 1 not compiling", tally.sentence())
+        self.assertIn("study/a.cpp:2 : wait(2);  =>  wait(3);\n    tst_a waits\n", tally.report())
 
 
 class Tests(unittest.TestCase):
