@@ -12,6 +12,7 @@ with 1 where there is one.
 """
 
 import argparse
+import fcntl
 import hashlib
 import math
 import os
@@ -322,6 +323,7 @@ class Tally:
         self.lock = threading.Lock()
         self.wanted = {file: [number, iter(changes)] for file, (number, changes) in wanted.items()}
         self.verdicts = {}
+        self.finished = 0  # threads that came to the end
 
     def next(self):
         with self.lock:
@@ -355,6 +357,7 @@ def work(copy, tally):
     while change := tally.next():
         began = time.monotonic()
         tally.note(change, copy.verdict_of(change), time.monotonic() - began)
+    tally.finished += 1
 
 
 def wanted_changes(words):
@@ -382,8 +385,18 @@ def read_words():
     return parser.parse_args()
 
 
-def main():
-    words = read_words()
+def hold_workplace():
+    """Until the program ends: two at a time would take each other's copies away."""
+    WORKPLACE.mkdir(parents=True, exist_ok=True)
+    held = (WORKPLACE / "held").open("w", encoding="utf-8")
+    try:
+        fcntl.flock(held, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except BlockingIOError:
+        sys.exit(f"Another {Path(__file__).name} is at work in {WORKPLACE.relative_to(ROOT)}.")
+    return held
+
+
+def check(words):
     began = time.monotonic()
     os.nice(10)
     for what, most in ((resource.RLIMIT_AS, MOST_MEMORY), (resource.RLIMIT_FSIZE, MOST_OF_A_FILE), (resource.RLIMIT_CORE, 0)):
@@ -407,7 +420,14 @@ def main():
     for change in tally.survivors():
         print(f"No test noticed: {change}")
     print(f"{tally.sentence()}; {time.monotonic() - began:.0f} s")
-    sys.exit(0 if tally.verdicts and not tally.survivors() else 1)
+    if tally.finished < len(copies) or tally.survivors() or not tally.verdicts:
+        sys.exit(1)
+
+
+def main():
+    words = read_words()
+    with hold_workplace():
+        check(words)
 
 
 if __name__ == "__main__":
