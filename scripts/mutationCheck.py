@@ -12,6 +12,7 @@ with 1 where there is one.
 """
 
 import argparse
+import fcntl
 import hashlib
 import math
 import os
@@ -49,7 +50,8 @@ NUMBER = re.compile(r"(?<![\w.'])(?:0[xX][\da-fA-F']+|\d[\d']*(?:\.\d+)?)(?![.']
 TRUTH = re.compile(r"\b(?:true|false)\b")
 TEXT = re.compile(r'"(?:[^"\\]|\\.)*"|(?<![\da-fA-F])\'(?:[^\'\\]|\\.)\'')
 # A call or an assignment that stands alone on its line.
-STATEMENT = re.compile(r"^( {4,})(?!return\b|break\b|continue\b|Q_|QUORVEL_|[A-Z_]+\()[*+-]*[\w.:<>\[\]-]+(?:\(| [-+*/]?= |\+\+|--|;)[^{}]*$")
+STATEMENT = re.compile(r"^( {4,})(?!return\b|break\b|continue\b|Q_|QUORVEL_|[A-Z_]+\()"
+                       r"[*+-]*[\w.:<>\[\]-]+(?:\(| [-+*/]?= |\+\+|--|;)[^{}]*$")
 PLAIN_ASSIGNMENT = re.compile(r'^ *([\w.]+) = (?:[\w.:]+(?:\.value\(\))?|Q\w+\(\)|u"[^"]*"_s|text\(u"[^"]*"\));$')
 OUTCOMES = re.compile(r"\? ((?:[^?:]|::)+?) : ((?:[^?:]|::)+?)(?=[;,]|$)")
 # Without blanks, so that no declaration of parameters is among them.
@@ -257,9 +259,9 @@ class Copy:
         shutil.rmtree(self.private, ignore_errors=True)
         self.private.mkdir(parents=True)
         try:
-            ended = subprocess.run([str(word) for word in words], cwd=self.place, env=self.environment, stdin=subprocess.DEVNULL,
-                                   stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, errors="replace",
-                                   timeout=seconds, check=False)
+            ended = subprocess.run([str(word) for word in words], cwd=self.place, env=self.environment, check=False,
+                                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+                                   errors="replace", timeout=seconds)
         except subprocess.TimeoutExpired:
             return None, ""
         return ended.returncode, ended.stdout
@@ -321,6 +323,7 @@ class Tally:
         self.lock = threading.Lock()
         self.wanted = {file: [number, iter(changes)] for file, (number, changes) in wanted.items()}
         self.verdicts = {}
+        self.finished = 0  # threads that came to the end
 
     def next(self):
         with self.lock:
@@ -345,15 +348,16 @@ class Tally:
         return [change for change, verdict in self.verdicts.items() if verdict == "survived"]
 
     def sentence(self):
-        names = {"survived": "survived", "not compiling": "not compiling"}
-        counts = Counter(names.get(verdict, "noticed") for verdict in self.verdicts.values())
-        return ", ".join(f"{counts[name]} {name}" for name in ("noticed", "survived", "not compiling"))
+        others = ("survived", "not compiling")
+        counts = Counter(verdict if verdict in others else "noticed" for verdict in self.verdicts.values())
+        return ", ".join(f"{counts[name]} {name}" for name in ("noticed", *others))
 
 
 def work(copy, tally):
     while change := tally.next():
         began = time.monotonic()
         tally.note(change, copy.verdict_of(change), time.monotonic() - began)
+    tally.finished += 1
 
 
 def wanted_changes(words):
@@ -381,8 +385,18 @@ def read_words():
     return parser.parse_args()
 
 
-def main():
-    words = read_words()
+def hold_workplace():
+    """Until the program ends: two at a time would take each other's copies away."""
+    WORKPLACE.mkdir(parents=True, exist_ok=True)
+    held = (WORKPLACE / "held").open("w", encoding="utf-8")
+    try:
+        fcntl.flock(held, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except BlockingIOError:
+        sys.exit(f"Another {Path(__file__).name} is at work in {WORKPLACE.relative_to(ROOT)}.")
+    return held
+
+
+def check(words):
     began = time.monotonic()
     os.nice(10)
     for what, most in ((resource.RLIMIT_AS, MOST_MEMORY), (resource.RLIMIT_FSIZE, MOST_OF_A_FILE), (resource.RLIMIT_CORE, 0)):
@@ -406,7 +420,14 @@ def main():
     for change in tally.survivors():
         print(f"No test noticed: {change}")
     print(f"{tally.sentence()}; {time.monotonic() - began:.0f} s")
-    sys.exit(0 if tally.verdicts and not tally.survivors() else 1)
+    if tally.finished < len(copies) or tally.survivors() or not tally.verdicts:
+        sys.exit(1)
+
+
+def main():
+    words = read_words()
+    with hold_workplace():
+        check(words)
 
 
 if __name__ == "__main__":

@@ -195,6 +195,14 @@ private Q_SLOTS:
         QCOMPARE(StatusTexts::modeName(Mode::BreakTime, english), u"Break"_s);
     }
 
+    void cardsAreLackingWhereFewerMatchThanAreRequired()
+    {
+        QVERIFY(!StatusTexts::lacksCards(0, 0));
+        QVERIFY(StatusTexts::lacksCards(1, 0));
+        QVERIFY(!StatusTexts::lacksCards(1, 1));
+        QVERIFY(StatusTexts::lacksCards(3, 2));
+    }
+
     void whatIsUnsavedIsNamedWithEachReasonOnce()
     {
         const QMap<QString, QString> failed{{u"tasks"_s, u"full"_s},

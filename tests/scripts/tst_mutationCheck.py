@@ -1,6 +1,8 @@
 #!/usr/bin/env python3
 """Which changes the mutation check makes of a text, which of them it tries, and by which tests first."""
 
+import contextlib
+import io
 import sys
 import unittest
 from collections import Counter
@@ -26,8 +28,9 @@ class Changes(unittest.TestCase):
         self.assertEqual(["return a == b;"], lines_of("operator", "    return a != b;"))
 
     def test_what_only_looks_like_an_operator_stays(self):
-        for line in ["    std::vector<QString> all;", "    bits >>= 4;", "    bits <<= 4;", "    return a <=> b;", "    const QString &name = f(-1, *here, &there);",
-                     "    take(Card &&card);", "    auto operator<=>(const Day &) const = default;", "    return to->name;"]:
+        for line in ["    std::vector<QString> all;", "    bits >>= 4;", "    bits <<= 4;", "    return a <=> b;",
+                     "    const QString &name = f(-1, *here, &there);", "    take(Card &&card);",
+                     "    auto operator<=>(const Day &) const = default;", "    return to->name;"]:
             with self.subTest(line=line):
                 self.assertEqual([], lines_of("operator", line))
 
@@ -44,7 +47,8 @@ class Changes(unittest.TestCase):
         self.assertEqual(["split(u'}');"], lines_of("constant", "    split(u'|');"))
 
     def test_what_nobody_sees_stays(self):
-        for line in ["// 10 < 20", "    f(); // 10 < 20", '#include "a1.h"', '    qCWarning(log, "%d of 3",', "    static_assert(2 < 3);",
+        for line in ["// 10 < 20", "    f(); // 10 < 20", '#include "a1.h"', '    qCWarning(log, "%d of 3",',
+                     "    static_assert(2 < 3);",
                      "    name10 = other;", '    parse("1 < 2");', '    total = checkedAdd(total, more, "total");']:
             with self.subTest(line=line):
                 self.assertEqual([], lines_of("operator", line) + lines_of("constant", line))
@@ -68,7 +72,8 @@ class Changes(unittest.TestCase):
     def test_arguments_and_outcomes_change_places(self):
         self.assertEqual(["inBoth(russian, english);"], lines_of("order", "    inBoth(english, russian);"))
         self.assertEqual([], lines_of("order", "void f(int a, int b)", "    f(a, a);"))
-        self.assertEqual(["return a ? Mode::Locked : Mode::Ready;"], lines_of("order", "    return a ? Mode::Ready : Mode::Locked;"))
+        self.assertEqual(["return a ? Mode::Locked : Mode::Ready;"],
+                         lines_of("order", "    return a ? Mode::Ready : Mode::Locked;"))
 
     def test_a_change_is_named_by_its_function_and_put_where_it_belongs(self):
         text = "int Card::age(int day)\n{\n    count();\n    return day + 1;\n}\n"
@@ -105,6 +110,23 @@ class Drawing(unittest.TestCase):
                  if change in before]
         self.assertEqual([change for change in before if change.kind == "operator"],
                          [change for change in after if change.kind == "operator"])
+
+
+class Tallying(unittest.TestCase):
+    def test_what_does_not_compile_is_replaced_and_what_survives_is_named(self):
+        text = "".join(f"    wait({number});\n" for number in range(1, 5))
+        first, second, third, spare = (change for change in changes_of("study/a.cpp", text) if change.kind == "constant")
+        tally = mutationCheck.Tally({"study/a.cpp": (2, [first, second, third, spare])})
+        with contextlib.redirect_stdout(io.StringIO()) as said:
+            self.assertEqual([first, second, None], [tally.next(), tally.next(), tally.next()])
+            tally.note(first, "not compiling", 1)
+            self.assertEqual([third, None], [tally.next(), tally.next()])
+            tally.note(second, "tst_a waits", 1)
+            tally.note(third, "survived", 1)
+        self.assertIn("survived: study/a.cpp:3 : wait(3);  =>  wait(4);", said.getvalue())
+        self.assertEqual([third], tally.survivors())
+        self.assertEqual("1 noticed, 1 survived, 1 not compiling", tally.sentence())
+        self.assertIn("study/a.cpp:2 : wait(2);  =>  wait(3);\n    tst_a waits\n", tally.report())
 
 
 class Tests(unittest.TestCase):

@@ -74,6 +74,7 @@ private Q_SLOTS:
     {
         QuorvelConfig config;
         config.blockedApps = {u"Steam"_s, u"My Game"_s};
+        config.blockedDomains = {u"games.example"_s, u"youtube.com"_s};
         config.allowedStudyApps = {u"Zotero"_s};
         config.blocklistPresetVersion = 1;
         QVERIFY(needsBlocklistMigration(config));
@@ -81,6 +82,9 @@ private Q_SLOTS:
         QCOMPARE(merged.blockedApps.size(), 28);
         QCOMPARE(merged.blockedApps.mid(0, 3), QStringList({u"Steam"_s, u"My Game"_s, u"Discord"_s}));
         QCOMPARE(merged.blockedApps.count(u"Steam"_s), 1);
+        QCOMPARE(merged.blockedDomains.size(), 35);
+        QCOMPARE(merged.blockedDomains.mid(0, 3),
+                 QStringList({u"games.example"_s, u"youtube.com"_s, u"youtu.be"_s}));
         QCOMPARE(merged.allowedStudyApps, QStringList({u"Zotero"_s}));
         QCOMPARE(merged.allowedStudyDomains, QStringList());
         QCOMPARE(merged.blocklistPresetVersion, 2);

@@ -183,6 +183,9 @@ void tst_RollingCopies::oldCopiesGoAfterTheNewOneWasRead()
     QCOMPARE(program.files.steps, (std::vector<QString>{u"aside study-cards.json "_s + firstCopy,
                                                         u"remove backups/study-cards-20261110T080000Z.json"_s,
                                                         u"write study-cards.json"_s}));
+    // Those that stayed are still known: within the hour none is made.
+    QVERIFY(program.save(3, start.addSecs(60)));
+    QCOMPARE(program.copies(), (QStringList{u"backups/study-cards-20261110T090000Z.json"_s, firstCopy}));
 }
 
 void tst_RollingCopies::oldCopiesStayWhereTheNewOneIsNotWhole_data()
