@@ -125,7 +125,6 @@ void QuorvelController::tick()
     m_idleSeconds = m_ports.idle.seconds();
 
     const auto blocked = findBlockedRunningApps();
-    forgetAskedExcept(blocked); // in free modes too: their numbers pass on to others
     if (m_isBlockingActive) {
         m_blockedRunningAppNames = sortedDisplayNames(blocked);
         enforceAppBlocks(blocked);

@@ -300,7 +300,6 @@ private:
 
     StudyMoment validateStudySite() const;
     QStringList sortedDisplayNames(const std::vector<RunningApplication> &applications) const;
-    void forgetAskedExcept(const std::vector<RunningApplication> &applications);
     void enforceAppBlocks(const std::vector<RunningApplication> &applications);
     void checkBrowsersIfNeeded();
     /// The same for browsers that only this platform reaches; to be called right after it.

@@ -64,16 +64,12 @@ std::vector<RunningApplication> QuorvelController::findBlockedRunningApps()
     return applications;
 }
 
-void QuorvelController::forgetAskedExcept(const std::vector<RunningApplication> &applications)
+void QuorvelController::enforceAppBlocks(const std::vector<RunningApplication> &applications)
 {
     std::erase_if(m_terminateFirstSeenByPID, [&](const auto &asked) {
         return std::none_of(applications.begin(), applications.end(),
                             [&](const auto &application) { return application.processId == asked.first; });
     });
-}
-
-void QuorvelController::enforceAppBlocks(const std::vector<RunningApplication> &applications)
-{
     for (const auto &application : applications) {
         const auto now = m_ports.clock.elapsed();
         const auto asked = m_terminateFirstSeenByPID.find(application.processId);

@@ -80,23 +80,6 @@ private Q_SLOTS:
         QVERIFY(harness.applications.requests.back().forced);
     }
 
-    /// The number of a process that ended may be another's by the time blocking begins again.
-    void aReusedNumberIsAskedFirst()
-    {
-        ControllerHarness harness;
-        auto &controller = harness.start();
-        const auto discord = harness.applications.startStubborn(u"Discord"_s);
-        controller.lockNow();
-        controller.stopQuorvel();
-        harness.applications.end(discord);
-        harness.seconds(60);
-        harness.applications.add({discord, u"Steam"_s, {}, {}});
-        controller.lockNow();
-        QCOMPARE(harness.applications.requests, std::vector<Request>({{discord, false}, {discord, false}}));
-        QVERIFY(harness.events().contains(u"Closed Steam."_s));
-        QVERIFY(!harness.events().contains(u"Force closed Steam."_s));
-    }
-
     void applicationThatIsGoneIsForgotten()
     {
         ControllerHarness harness;
