@@ -354,8 +354,8 @@ private Q_SLOTS:
         model.replaceAll({ControllerHarness::card(u"a"_s, u"1"_s)});
         const auto row = model.index(0);
         model.replaceAll({});
-        QCOMPARE(model.data(row, StudyCardModel::PromptRole), QVariant());
-        QCOMPARE(model.data(QModelIndex(), StudyCardModel::PromptRole), QVariant());
+        QCOMPARE(model.data(row, StudyCardModel::CardRole), QVariant());
+        QCOMPARE(model.data(QModelIndex(), StudyCardModel::CardRole), QVariant());
     }
 
     void aNewListIsThereWhenItIsAnnounced()

@@ -308,8 +308,8 @@ private Q_SLOTS:
         model.replaceAll({StudyTask()});
         const auto row = model.index(0);
         model.replaceAll({});
-        QCOMPARE(model.data(row, StudyTaskModel::TitleRole), QVariant());
-        QCOMPARE(model.data(QModelIndex(), StudyTaskModel::TitleRole), QVariant());
+        QCOMPARE(model.data(row, StudyTaskModel::TaskRole), QVariant());
+        QCOMPARE(model.data(QModelIndex(), StudyTaskModel::TaskRole), QVariant());
     }
 
     void aNewListIsThereWhenItIsAnnounced()

@@ -66,9 +66,10 @@ void checkCgroup(const QByteArray &text)
 void checkGroups(const ProcessFacts &facts)
 {
     static DesktopIndex index({{}, {}, {}});
+    ProcessIdentities identities;
     const WindowFacts window{number, {}, {}, {}};
     const std::vector<ApplicationGroup> groups =
-        groupApplications({{number, facts}}, {window}, {}, index, u":7"_s);
+        groupApplications({{number, facts}}, {window}, {}, index, identities, u":7"_s);
     require(groups.size() <= 1, "one process makes one application at most");
     for (const auto &group : groups) {
         require(group.application.processId == number && group.processes.size() == 1, "of that process");
