@@ -413,7 +413,8 @@ Json showScene(const std::string &scene, double rowHeight)
     char *words[] = {name, nullptr};
     int count = 1;
     const QGuiApplication application(count, words);
-    if (scene != "bare" && scene != "bareInSoftware" && scene != "bareAndHidden" && scene != "label" && scene != "list")
+    if (scene != "bare" && scene != "bareInSoftware" && scene != "bareAndHidden" && scene != "label" &&
+        scene != "list")
         setUpDrawing(); // the others are Qt Quick as it comes
     if (scene == "full")
         return startOf(RealWindow(12, 5).window);

@@ -190,8 +190,8 @@ std::size_t RequestReader::take(std::string_view input)
 {
     std::size_t taken = 0;
     if (m_state == State::Head) {
-        // Some clients end a body with a line break that it does not count (RFC 9112, chapter 2.2). Its halves
-        // may come one after the other.
+        // Some clients end a body with a line break that it does not count (RFC 9112, chapter 2.2). Its
+        // halves may come one after the other.
         if (m_checked <= 1 && m_emptyLine == 0 && input.starts_with("\r\n")) {
             taken = m_emptyLine = 2;
             m_checked = 0;
