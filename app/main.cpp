@@ -12,6 +12,8 @@
 #include <QtQml/qqmlextensionplugin.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -45,6 +47,14 @@ int giveUp(int &argc, char **argv, const QString &reason)
     return 1;
 }
 
+/// Qt and Xlib call exit() wherever they are, on any thread, when the X server has gone. All that must be
+/// kept is written by then; to take things down while other threads still draw would be a crash.
+void endAtOnce(int status, void *)
+{
+    if (QCoreApplication::instance())
+        ::_exit(status);
+}
+
 int runProgram(int &argc, char **argv, SingleInstance &instance, const QByteArray &folder,
                const QStringList &arguments)
 {
@@ -65,6 +75,7 @@ int runProgram(int &argc, char **argv, SingleInstance &instance, const QByteArra
         qCWarning(lcMain).noquote() << listening.reason();
     if (!arguments.isEmpty())
         delegate.openUrls(arguments);
+    ::on_exit(endAtOnce, nullptr);
     return QApplication::exec();
 }
 
