@@ -20,10 +20,21 @@ Q_LOGGING_CATEGORY(lcSchemeHandler, "quorvel.desktop.schemehandler")
 
 namespace {
 
-const QByteArray schemeType = "x-scheme-handler/quorvel";
-const QByteArray entryGroup = "Desktop Entry";
-const QByteArray ownMark =
-    "X-Quorvel-WrittenAtStart"; // tells our entry from one that somebody else put there
+QByteArray schemeType()
+{
+    return QByteArrayLiteral("x-scheme-handler/quorvel");
+}
+
+QByteArray entryGroup()
+{
+    return QByteArrayLiteral("Desktop Entry");
+}
+
+/// Tells our entry from one that somebody else put there.
+QByteArray ownMark()
+{
+    return QByteArrayLiteral("X-Quorvel-WrittenAtStart");
+}
 
 QString inApplications(const QString &dataFolder, const QString &name)
 {
@@ -66,9 +77,9 @@ QStringList allDataFolders(const SchemeHandlerPlaces &places)
 /// Whether this is an entry that opens our addresses with a program that is there.
 bool opensOurAddresses(const QByteArray &bytes)
 {
-    const auto types = keyFileValue(bytes, entryGroup, "MimeType").value_or(QByteArray()).split(';');
+    const auto types = keyFileValue(bytes, entryGroup(), "MimeType").value_or(QByteArray()).split(';');
     const auto entry = parseDesktopEntry(bytes, {});
-    return types.contains(schemeType) && entry && !entry->hidden && !entry->command.isEmpty() &&
+    return types.contains(schemeType()) && entry && !entry->hidden && !entry->command.isEmpty() &&
            !QStandardPaths::findExecutable(entry->command.first()).isEmpty();
 }
 
@@ -85,14 +96,14 @@ bool isPackaged(FileCalls &calls, const SchemeHandlerPlaces &places)
 QByteArray ownEntry(const QString &program)
 {
     // It stays out of menus: nobody has asked for a menu entry.
-    return "[" + entryGroup + "]\nType=Application\nName=Quorvel\nExec=" + execValue(program) +
-           "\nNoDisplay=true\nTerminal=false\nStartupNotify=true\nMimeType=" + schemeType + ";\n" + ownMark +
-           "=true\n";
+    return "[" + entryGroup() + "]\nType=Application\nName=Quorvel\nExec=" + execValue(program) +
+           "\nNoDisplay=true\nTerminal=false\nStartupNotify=true\nMimeType=" + schemeType() + ";\n" +
+           ownMark() + "=true\n";
 }
 
 bool isOurs(const QByteArray &entry)
 {
-    return keyFileValue(entry, entryGroup, ownMark).has_value();
+    return keyFileValue(entry, entryGroup(), ownMark()).has_value();
 }
 
 /// Whether it was written.
@@ -145,7 +156,7 @@ bool associate(FileCalls &calls, const SchemeHandlerPlaces &places)
     const auto files = associationFiles(places);
     const bool isDecided = std::any_of(files.begin(), files.end(), [&](const QString &path) {
         const auto bytes = content(calls, path);
-        return bytes && keyFileHasKey(*bytes, schemeType);
+        return bytes && keyFileHasKey(*bytes, schemeType());
     });
     if (isDecided)
         return false;
@@ -154,7 +165,7 @@ bool associate(FileCalls &calls, const SchemeHandlerPlaces &places)
     if (!there)
         return false; // said above; its bytes must not be lost
     // The program's entry of a package takes the place of ours once that is removed.
-    const auto line = schemeType + '=' + ownHandlerName + ";quorvel.desktop;";
+    const auto line = schemeType() + '=' + ownHandlerName + ";quorvel.desktop;";
     return write(calls, path,
                  keyFileWithLine(there.value().value_or(QByteArray()), "Default Applications", line));
 }
