@@ -20,9 +20,11 @@ def figures_of(process_id, resources_in_x):
 
 
 def _memory(path):
-    """What is resident: all of it, and this process's share of it, which it has alone and which is no file's."""
+    """What is resident: all of it, and what of it is no file's. The share of libraries is left out: it grows whenever another
+    process that has them too ends.
+    """
     lines = dict(re.findall(r"^(\w+): +(\d+) kB$", path.read_text(), re.MULTILINE))
-    return {kind: int(lines[kind]) for kind in ("Rss", "Pss", "Pss_Anon")}
+    return {kind: int(lines[kind]) for kind in ("Rss", "Pss_Anon")}
 
 
 def bytes_in(*folders):

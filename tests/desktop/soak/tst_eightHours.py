@@ -39,10 +39,10 @@ MOST_DRIFT = 1.0  # seconds in eight hours
 
 # How much larger the largest figure of the last half hour may be than that of hour two to three.
 # Memory in KB: what is the process's own comes in steps of 128 and more from the system, and lies otherwise each time; 30
-# bytes a second would be more. Its share of libraries grows when another process that has them too ends.
+# bytes a second would be more.
 # The rest: what is held only while a window is open, or a file read, may be seen in one half hour and not in the other. What
 # was left behind each time would be ten of a kind and more.
-MOST_MORE = {"Rss KB": 1024, "Pss KB": 3072, "Pss_Anon KB": 512, "mappings": 12, "children": 0, "X bytes of pixmaps": 64_000}
+MOST_MORE = {"Rss KB": 1024, "Pss_Anon KB": 512, "mappings": 12, "children": 0, "X bytes of pixmaps": 64_000}
 MOST_MORE_OF_ANY = 4
 MOST_FILES = 40  # the records, and of each backup of an hour one
 MOST_BYTES = 20_000
