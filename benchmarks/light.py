@@ -23,6 +23,7 @@ from figures import figure, write_figures  # noqa: E402
 from records import write_preferences, write_settings  # noqa: E402
 from virtualDesktop import VirtualDesktop, wait_until  # noqa: E402
 
+OTHERS = ["workrave", "safeeyes"]
 SECONDS_MEASURED = 60
 SECONDS_TO_REST = 40  # threads that a start needed end after 30 s, and young processes are looked at more often
 SECONDS_TO_OPEN = 30
@@ -95,13 +96,20 @@ def start_session(desktop, program, command, environment=None):
     return quorvel
 
 
-def measure_together(program, bare, environment, others):
-    """Name -> (processor seconds a second, wake-ups a second, resident MB, proportional MB)."""
+@contextlib.contextmanager
+def at_rest(program, bare, environment, others=()):
+    """A desktop with a hidden session, a hidden bare window and the others, and the process number of each by name."""
     with VirtualDesktop(Path("build/bench-light")) as desktop:
         processes = {name: desktop.start(name, [name]).pid for name in others}
         processes["bare"] = desktop.start("bare", [bare, "--scene", "bareAndHidden", "0"], environment).pid
         processes["quorvel"] = start_session(desktop, program, [program], environment)
         time.sleep(SECONDS_TO_REST)
+        yield desktop, processes
+
+
+def measure_together(program, bare):
+    """Name -> (processor seconds a second, wake-ups a second, resident MB, proportional MB)."""
+    with at_rest(program, bare, {}, OTHERS) as (desktop, processes):
         counted = counted_seconds(desktop.home)
         before = {name: work_of(number) for name, number in processes.items()}
         began = time.monotonic()
@@ -112,6 +120,12 @@ def measure_together(program, bare, environment, others):
             raise RuntimeError("the seconds of the session did not count")
         return {name: [value / seconds for value in work_between(before[name], after[name])] + list(memory(number))
                 for name, number in processes.items()}
+
+
+def measure_own_renderer(program, bare):
+    """(resident, proportional) MB over the bare window where Qt draws by itself: no compiler of shaders is in the process."""
+    with at_rest(program, bare, {"QT_QUICK_BACKEND": "software"}) as (_, processes):
+        return [mine - least for mine, least in zip(memory(processes["quorvel"]), memory(processes["bare"]))]
 
 
 def writes_in(folder, home, offsets):
@@ -146,22 +160,21 @@ def measure_writes(program):
 
 def main(output):
     program, bare = Path(os.environ["QUORVEL_PROGRAM"]), Path(os.environ["QUORVEL_BARE_WINDOW"])
-    measured = measure_together(program, bare, {}, ["workrave", "safeeyes"])
-    in_software = measure_together(program, bare, {"QT_QUICK_BACKEND": "software"}, [])
+    measured = measure_together(program, bare)
+    own = measure_own_renderer(program, bare)
     written, syncs = measure_writes(program)
     processor, woken, resident, proportional = measured["quorvel"]
     more = [measured["quorvel"][at] - measured["bare"][at] for at in (2, 3)]
-    own = [in_software["quorvel"][at] - in_software["bare"][at] for at in (2, 3)]
     figures = [
         figure("hidden session: processor time", processor / measured["workrave"][0], "times", "workrave", MOST_OF_WORKRAVE),
         figure("the same", processor * 1000, "ms a second", "nothing"),
     ]
-    figures += [figure("the same", measured[name][0] * 1000, "ms a second", f"{name} itself") for name in ("workrave", "safeeyes")]
+    figures += [figure("the same", measured[name][0] * 1000, "ms a second", f"{name} itself") for name in OTHERS]
     figures += [
         figure("hidden session: wake-ups", woken / MOST_WAKE_UPS, "times", f"{MOST_WAKE_UPS:g} a second", 1.0),
         figure("the same", woken, "a second", "nothing"),
     ]
-    figures += [figure("the same", measured[name][1], "a second", f"{name} itself") for name in ("workrave", "safeeyes")]
+    figures += [figure("the same", measured[name][1], "a second", f"{name} itself") for name in OTHERS]
     figures += [
         figure("hidden session: resident memory", more[0] / MOST_MEMORY, "times",
                f"{MOST_MEMORY:g} MB over a bare Qt Quick window, hidden too", 1.0),
@@ -172,7 +185,7 @@ def main(output):
         figure("hidden session: resident memory", resident, "MB", "nothing"),
         figure("hidden session: proportional memory", proportional, "MB", "nothing"),
     ]
-    figures += [figure("the same", measured[name][3], "MB", f"{name} itself") for name in ("workrave", "safeeyes")]
+    figures += [figure("the same", measured[name][3], "MB", f"{name} itself") for name in OTHERS]
     figures += [
         figure("written in an hour of a session", written / 1000, "kB", "nothing"),
         figure("syncs in an hour of a session", syncs, "calls", "nothing"),
