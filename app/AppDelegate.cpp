@@ -36,7 +36,11 @@ AppDelegate::AppDelegate(PlatformAdapters adapters, QObject *parent)
     , m_controller(m_adapters.ports())
 {}
 
-AppDelegate::~AppDelegate() = default;
+AppDelegate::~AppDelegate()
+{
+    if (m_window)
+        m_window->disconnect(this); // its end hides it
+}
 
 bool AppDelegate::applicationDidFinishLaunching()
 {
