@@ -59,6 +59,15 @@ bool namesJson(std::string_view accept)
     return false;
 }
 
+/// Whether the whole line is there that says how long a chunk is, and it is not the last. The parser takes
+/// such a line at once, or it makes no sense: of some it would await more or not, by how the bytes came.
+bool hasChunkLine(std::string_view bytes)
+{
+    if (bytes.starts_with("\r\n")) // the end of the chunk before
+        bytes.remove_prefix(2);
+    return bytes.find("\r\n") != std::string_view::npos && !bytes.starts_with('0');
+}
+
 } // namespace
 
 /// Beast's parser, which writes into the request and is held to what may come.
@@ -274,7 +283,8 @@ void RequestReader::parse(std::string_view input, std::size_t &taken)
         const auto count = put(piece);
         taken += count;
         input.remove_prefix(count);
-        if (count == 0 && m_state == State::Body && piece.size() == longestChunkLine)
+        const bool isStuck = piece.size() == longestChunkLine || (m_parser->chunked() && hasChunkLine(piece));
+        if (count == 0 && m_state == State::Body && isStuck)
             refuse(refusals::badRequest(), "chunk");
         if (count == 0)
             break;
