@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <boost/beast/http/basic_parser.hpp>
 #include <boost/url/grammar/ci_string.hpp>
+#include <cctype>
 
 namespace http = boost::beast::http;
 
@@ -59,13 +60,20 @@ bool namesJson(std::string_view accept)
     return false;
 }
 
-/// Whether the whole line is there that says how long a chunk is, and it is not the last. The parser takes
-/// such a line at once, or it makes no sense: of some it would await more or not, by how the bytes came.
-bool hasChunkLine(std::string_view bytes)
+/// Whether the whole line is there that says how long a chunk is, and can be no such line that a trailer must
+/// follow, since it is not that of the last chunk or has an open quote. The parser takes what makes sense at
+/// once; of the rest it would await more or not, by how the bytes came.
+bool hasUselessChunkLine(std::string_view bytes)
 {
     if (bytes.starts_with("\r\n")) // the end of the chunk before
         bytes.remove_prefix(2);
-    return bytes.find("\r\n") != std::string_view::npos && !bytes.starts_with('0');
+    const auto line = bytes.substr(0, bytes.find("\r\n"));
+    if (line.size() == bytes.size())
+        return false;
+    const auto first = line.find_first_not_of('0');
+    const bool isLast =
+        line.starts_with('0') && (first == std::string_view::npos || !std::isxdigit(line[first] & 0x7f));
+    return !isLast || std::count(line.begin(), line.end(), '"') % 2 != 0;
 }
 
 } // namespace
@@ -283,7 +291,8 @@ void RequestReader::parse(std::string_view input, std::size_t &taken)
         const auto count = put(piece);
         taken += count;
         input.remove_prefix(count);
-        const bool isStuck = piece.size() == longestChunkLine || (m_parser->chunked() && hasChunkLine(piece));
+        const bool isStuck =
+            piece.size() == longestChunkLine || (m_parser->chunked() && hasUselessChunkLine(piece));
         if (count == 0 && m_state == State::Body && isStuck)
             refuse(refusals::badRequest(), "chunk");
         if (count == 0)

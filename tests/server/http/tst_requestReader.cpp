@@ -197,7 +197,9 @@ TEST(RequestReader, refusesChunksThatAreNone)
                              "2\n{}\r\n0\r\n\r\n", "2\r\n{}\r\r0\r\n\r\n", " 2\r\n{}\r\n0\r\n\r\n",
                              "10000000000000000\r\n", "\r\n", "2;\r\n{}\r\n0\r\n\r\n", "0\r\nX\r\n\r\n"})
         EXPECT_EQ(refusedWith(chunked(body)), 400U) << body;
-    EXPECT_EQ(refusedWith(chunked("7;x=\"a\r\nb")), 400U) << "an open quote does not wait for more";
+    for (const auto *size : {"7", "0D", "0"})
+        EXPECT_EQ(refusedWith(chunked(size + std::string(";x=\"a\r\nb"))), 400U)
+            << "an open quote waits for no more";
     EXPECT_EQ(refusedWith(chunked("2;" + std::string(5000, 'a'))), 400U);
     EXPECT_EQ(refusedWith(chunked("0\r\nX: " + std::string(5000, 'a'))), 400U);
 }
